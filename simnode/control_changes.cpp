@@ -1,0 +1,428 @@
+#include "simnode/control_changes.h"
+
+#include "nof/connectivity.h"
+#include "nof/lu62.h"
+#include "nof/pu_lu.h"
+#include "simnode/indications.h"
+#include "simnode/manage.h"
+#include "simnode/service.h"
+#include "simnode/specific_data.h"
+
+#include <algorithm>
+#include <cstdio>
+#include <cstring>
+
+namespace simnode {
+namespace {
+
+// What a command names: "NODE:NAME", or "NAME" on the first node.
+struct Place {
+    Node* node = nullptr;
+    std::string name;
+};
+
+Place place_of(Service& service, const std::string& word) {
+    Domain& domain = service.world.domain;
+    const std::size_t colon = word.find(':');
+    if (colon != std::string::npos) {
+        if (Node* node = node_named(domain, word.substr(0, colon))) {
+            return {node, word.substr(colon + 1)};
+        }
+    }
+    return {domain.nodes.empty() ? nullptr : domain.nodes.front().get(), word};
+}
+
+Record* record_named(const Node& node, const KindRow& row, const std::string& name) {
+    const Field& first = fields_of(row.kind).front();
+    for (Record* record : everything(node.of(row.kind))) {
+        if (display_name(row, *record) == name || field_text(first, record->entry) == name) {
+            return record;
+        }
+    }
+    return nullptr;
+}
+
+ControlAnswer answer_of(Rc rc) {
+    if (rc.ok()) {
+        return {};
+    }
+    char text[64];
+    std::snprintf(text, sizeof text, "primary 0x%04X secondary 0x%08X", rc.primary,
+                  static_cast<unsigned>(rc.secondary));
+    return failed(text);
+}
+
+std::string status_text(const KindRow& row, const Record& record) {
+    std::string text;
+    for (const char* name : {"state", "dlur_state", "lu_active", "in_use", "in_session", "sessions",
+                             "activation", "implicit"}) {
+        if (const Field* field = field_named(row, name)) {
+            text += std::string(" ") + name + "=" + field_text(*field, record.entry);
+        }
+    }
+    return text;
+}
+
+} // namespace
+
+ControlAnswer list_resources(Service& service, Connection&, const Words& words) {
+    const KindRow* row = words.size() >= 2 && words.size() <= 3 ? kind_named(words[1]) : nullptr;
+    if (row == nullptr) {
+        return usage("list KIND [PARENT]");
+    }
+    ControlAnswer answer;
+    for (const auto& node : service.world.domain.nodes) {
+        for (const Record* record : everything(node->of(row->kind))) {
+            const auto* parent = reinterpret_cast<const NB_BYTE*>(record->parent.data());
+            if (words.size() == 3 && ebcdic_text(parent, record->parent.size()) != words[2] &&
+                local_text(parent, record->parent.size()) != words[2]) {
+                continue;
+            }
+            answer.text += (service.world.domain.nodes.size() > 1 ? node->name + ":" : "") +
+                           display_name(*row, *record) + status_text(*row, *record) + '\n';
+        }
+    }
+    return answer;
+}
+
+ControlAnswer count_resources(Service& service, Connection&, const Words& words) {
+    const KindRow* row = words.size() == 2 ? kind_named(words[1]) : nullptr;
+    if (row == nullptr) {
+        return usage("count KIND");
+    }
+    std::size_t count = 0;
+    for (const auto& node : service.world.domain.nodes) {
+        count += size(node->of(row->kind));
+    }
+    return {0, std::to_string(count) + '\n'};
+}
+
+ControlAnswer show_resource(Service& service, Connection&, const Words& words) {
+    const KindRow* row = words.size() == 3 ? kind_named(words[1]) : nullptr;
+    if (row == nullptr) {
+        return usage("show KIND NAME");
+    }
+    const Place place = place_of(service, words[2]);
+    const Record* record =
+        place.node != nullptr ? record_named(*place.node, *row, place.name) : nullptr;
+    if (record == nullptr) {
+        return failed("no such " + words[1] + ": " + words[2]);
+    }
+    ControlAnswer answer;
+    for (const Field& field : fields_of(row->kind)) {
+        answer.text += std::string(field.name) + "=" + field_text(field, record->entry) + '\n';
+    }
+    return answer;
+}
+
+ControlAnswer define_resource(Service& service, Connection&, const Words& words) {
+    const KindRow* row = words.size() >= 3 ? kind_named(words[1]) : nullptr;
+    if (row == nullptr || row->define == 0) {
+        return usage("define KIND NAME [FIELD=VALUE]...");
+    }
+    const Place place = place_of(service, words[2]);
+    if (place.node == nullptr) {
+        return failed("there is no node");
+    }
+    const Record* old = record_named(*place.node, *row, place.name);
+    Bytes entry = old != nullptr ? old->entry : Bytes(row->entry_size);
+    std::string reason;
+    if (!set_field(fields_of(row->kind).front(), entry, place.name, reason)) {
+        return failed(reason);
+    }
+    for (std::size_t i = 3; i < words.size(); ++i) {
+        const std::size_t equals = words[i].find('=');
+        const Field* field =
+            equals == std::string::npos ? nullptr : field_named(*row, words[i].substr(0, equals));
+        if (field == nullptr) {
+            return failed("no such field: " + words[i]);
+        }
+        if (!set_field(*field, entry, words[i].substr(equals + 1), reason)) {
+            return failed(reason);
+        }
+    }
+    if (row->kind == Kind::port) {
+        auto* port = reinterpret_cast<PORT_ENTRY*>(entry.data());
+        const Record* dlc = find(place.node->of(Kind::dlc), raw(port->def.dlc_name, 8));
+        port->dlc_type = dlc != nullptr ? dlc->as<DLC_ENTRY>().def.dlc_type : port->dlc_type;
+    } else if (row->kind == Kind::ls) {
+        auto* ls = reinterpret_cast<LS_ENTRY*>(entry.data());
+        const Record* port = find(place.node->of(Kind::port), raw(ls->def.port_name, 8));
+        ls->det.dlc_type = port != nullptr ? port->as<PORT_ENTRY>().dlc_type : ls->det.dlc_type;
+    }
+    add_default_specific(*row, entry);
+    return answer_of(act(service, place.node, define_of_entry(*row, entry)));
+}
+
+ControlAnswer delete_resource(Service& service, Connection&, const Words& words) {
+    const KindRow* row = words.size() == 3 ? kind_named(words[1]) : nullptr;
+    if (row == nullptr || row->remove == 0) {
+        return usage("delete KIND NAME");
+    }
+    const Place place = place_of(service, words[2]);
+    const Record* record =
+        place.node != nullptr ? record_named(*place.node, *row, place.name) : nullptr;
+    if (record == nullptr) {
+        return failed("no such " + words[1] + ": " + words[2]);
+    }
+    const NBA_VERB_ROW* verb = vnv_verb_search(row->remove, 0, 0);
+    Bytes block(verb != nullptr ? verb->block_size : sizeof(DELETE_BY_NAME8));
+    vcb_header(block.data())->opcode = row->remove;
+    for (std::size_t i = 0; i < row->key.size(); ++i) {
+        std::memcpy(block.data() + row->remove_key[i].offset,
+                    record->entry.data() + row->key[i].offset, row->key[i].length);
+    }
+    return answer_of(act(service, place.node, std::move(block)));
+}
+
+namespace {
+
+struct ManagedKind {
+    Kind kind;
+    NB_USHORT start;
+    NB_USHORT start_name; // offset of the name
+    NB_USHORT stop;
+    NB_USHORT stop_name;
+};
+
+constexpr ManagedKind managed_kinds[] = {
+    {Kind::dlc, NAP_START_DLC, 12, NAP_STOP_DLC, 13},
+    {Kind::port, NAP_START_PORT, 12, NAP_STOP_PORT, 13},
+    {Kind::ls, NAP_START_LS, 12, NAP_STOP_LS, 13},
+    {Kind::dlur_pu, NAP_START_INTERNAL_PU, 12, NAP_STOP_INTERNAL_PU, 12},
+};
+
+ControlAnswer manage(Service& service, const Words& words, bool start) {
+    if (words.size() >= 2 && words.size() <= 3 && words[1] == "node") {
+        const Place place = place_of(service, words.size() == 3 ? words[2] + ":" : "");
+        Bytes block(start ? sizeof(INIT_NODE) : sizeof(STOP_NODE));
+        vcb_header(block.data())->opcode = start ? NAP_INIT_NODE : NAP_STOP_NODE;
+        return place.node == nullptr ? failed("there is no node")
+                                     : answer_of(act(service, place.node, std::move(block)));
+    }
+    const KindRow* row = words.size() == 3 ? kind_named(words[1]) : nullptr;
+    const auto* managed =
+        std::find_if(std::begin(managed_kinds), std::end(managed_kinds),
+                     [&](const ManagedKind& m) { return row != nullptr && m.kind == row->kind; });
+    if (managed == std::end(managed_kinds)) {
+        return usage(words[0] + " dlc|port|ls|dlur_pu NAME, or " + words[0] + " node [NODE]");
+    }
+    const Place place = place_of(service, words[2]);
+    const Record* record =
+        place.node != nullptr ? record_named(*place.node, *row, place.name) : nullptr;
+    if (record == nullptr) {
+        return failed("no such " + words[1] + ": " + words[2]);
+    }
+    const NB_USHORT opcode = start ? managed->start : managed->stop;
+    Bytes block(vnv_verb_search(opcode, 0, 0)->block_size);
+    vcb_header(block.data())->opcode = opcode;
+    std::memcpy(block.data() + (start ? managed->start_name : managed->stop_name),
+                record->key.data(), 8);
+    return answer_of(act(service, place.node, std::move(block)));
+}
+
+bool set_ls_state(World& world, Node& node, Record& ls, const std::string& state) {
+    if (state == "active") {
+        activate_ls(world, node, ls);
+    } else if (state == "inactive" || state == "failed" || state == "disabled") {
+        deactivate_ls(world, node, ls, state == "failed", state == "disabled");
+    } else if (state == "starting" || state == "stopping") {
+        ls.as<LS_ENTRY>().det.state =
+            state == "starting" ? NOF_STATE_START_PENDING : NOF_STATE_STOP_PENDING;
+        indicate(world, node, Kind::ls, ls, false);
+    } else {
+        return false;
+    }
+    return true;
+}
+
+bool set_pu_state(World& world, Node& node, Kind kind, Record& pu, const std::string& state) {
+    if (state == "active") {
+        activate_pu(world, node, kind, pu);
+    } else if (state == "inactive") {
+        deactivate_pu(world, node, kind, pu);
+    } else {
+        const Field& field = *field_named(kind_row(kind), "dlur_state");
+        std::string reason;
+        if (kind != Kind::dlur_pu || !set_field(field, pu.entry, state, reason)) {
+            return false;
+        }
+        indicate_dlur_pu(world, node, pu);
+    }
+    return true;
+}
+
+// States of LUs: inactive, active, in-session.
+bool set_lu_state(World& world, Node& node, Kind kind, Record& lu, const std::string& state) {
+    const bool session = state == "in-session";
+    if (!session && state != "active" && state != "inactive") {
+        return false;
+    }
+    const NB_BYTE active = state != "inactive";
+    if (kind == Kind::lu_0_to_3) {
+        lu.as<LU03_ENTRY>().det_data.lu_active = active;
+        lu.as<LU03_ENTRY>().det_data.plu_session_active = session;
+    } else if (kind == Kind::downstream_lu) {
+        lu.as<DOWN_LU_ENTRY>().lu_active = active;
+        lu.as<DOWN_LU_ENTRY>().plu_session_active = session;
+    } else {
+        lu.as<LU62_ENTRY>().session_status = session;
+    }
+    indicate(world, node, kind, lu, false);
+    return true;
+}
+
+bool set_simple_state(World& world, Node& node, const KindRow& row, Record& record,
+                      const std::string& state) {
+    std::string reason;
+    if (state == "gone") {
+        indicate(world, node, row.kind, record, true);
+        remove_record(node, row.kind, record);
+        return true;
+    }
+    const Field* field = field_named(row, "state");
+    if (field == nullptr || !set_field(*field, record.entry, state, reason)) {
+        return false;
+    }
+    indicate(world, node, row.kind, record, false);
+    return true;
+}
+
+bool set_state_of(World& world, Node& node, const KindRow& row, Record& record,
+                  const std::string& state) {
+    switch (row.kind) {
+    case Kind::ls:
+        return set_ls_state(world, node, record, state);
+    case Kind::pu:
+    case Kind::dlur_pu:
+    case Kind::downstream_pu:
+        return set_pu_state(world, node, row.kind, record, state);
+    case Kind::lu_0_to_3:
+    case Kind::downstream_lu:
+    case Kind::local_lu:
+        return set_lu_state(world, node, row.kind, record, state);
+    default:
+        return set_simple_state(world, node, row, record, state);
+    }
+}
+
+} // namespace
+
+ControlAnswer start_resource(Service& service, Connection&, const Words& words) {
+    return manage(service, words, true);
+}
+
+ControlAnswer stop_resource(Service& service, Connection&, const Words& words) {
+    return manage(service, words, false);
+}
+
+ControlAnswer set_state(Service& service, Connection&, const Words& words) {
+    const KindRow* row = words.size() == 4 ? kind_named(words[1]) : nullptr;
+    if (row == nullptr || row->indication == 0) {
+        return usage("state KIND NAME STATE");
+    }
+    const Place place = place_of(service, words[2]);
+    Record* record = place.node != nullptr ? record_named(*place.node, *row, place.name) : nullptr;
+    if (record == nullptr) {
+        return failed("no such " + words[1] + ": " + words[2]);
+    }
+    if (!set_state_of(service.world, *place.node, *row, *record, words[3])) {
+        return failed("not a state of " + words[1] + ": " + words[3]);
+    }
+    service.world.changed = true;
+    return {};
+}
+
+ControlAnswer use_lu(Service& service, Connection&, const Words& words) {
+    const KindRow& row = kind_row(Kind::lu_0_to_3);
+    if (words.size() < 3) {
+        return usage("use LU program|user|client NAME | none");
+    }
+    const Place place = place_of(service, words[1]);
+    Record* lu = place.node != nullptr ? record_named(*place.node, row, place.name) : nullptr;
+    if (lu == nullptr) {
+        return failed("no such LU: " + words[1]);
+    }
+    if (words[2] == "none") {
+        release_lu(service.world, *place.node, *lu);
+        return {};
+    }
+    static constexpr std::pair<std::string_view, NAP_APPLICATION_TYPE> types[] = {
+        {"program", NAP_LUA_APPLICATION},
+        {"user", NAP_FMI_APPLICATION},
+        {"client", NAP_TN_APPLICATION}};
+    auto& detail = lu->as<LU03_ENTRY>().det_data;
+    for (const auto& [name, type] : types) {
+        if (words.size() != 4 || words[2] != name) {
+            continue;
+        }
+        std::string reason;
+        const LU03_DETAIL before = detail;
+        detail.application = {};
+        detail.app_type = type;
+        if (!set_field(*field_named(row, name), lu->entry, words[3], reason)) {
+            lu->as<LU03_ENTRY>().det_data = before;
+            return failed(reason);
+        }
+        if (type == NAP_FMI_APPLICATION) {
+            detail.application.user.session_kind = NOF_DISPLAY_SESSION;
+        } else if (type == NAP_TN_APPLICATION) {
+            detail.application.client.client_kind = 1;
+            detail.application.client.port = 23;
+        }
+        detail.appl_conn_active = NAP_YES;
+        indicate_lu_0_to_3(service.world, *place.node, *lu);
+        service.world.changed = true;
+        return {};
+    }
+    return usage("use LU program|user|client NAME | none");
+}
+
+ControlAnswer change_sessions(Service& service, Connection&, const Words& words) {
+    unsigned long count = 0;
+    if (words.size() < 5 || words.size() > 6 || !parse_number(words[4], count) || count > 0xFFFF) {
+        return usage("session LU PARTNER MODE COUNT [CP]");
+    }
+    const Place place = place_of(service, words[1]);
+    const Record* lu = place.node != nullptr
+                           ? record_named(*place.node, kind_row(Kind::local_lu), place.name)
+                           : nullptr;
+    if (lu == nullptr) {
+        return failed("no such local LU: " + words[1]);
+    }
+    NB_FQNAME partner;
+    NB_NAME8E mode;
+    NB_FQNAME cp{};
+    put_ebcdic(partner, sizeof partner, words[2]);
+    put_ebcdic(mode, sizeof mode, words[3]);
+    if (words.size() == 6) {
+        put_ebcdic(cp, sizeof cp, words[5]);
+    }
+    set_sessions(service.world, *place.node, *lu, partner, mode, cp,
+                 static_cast<NB_USHORT>(count));
+    service.world.changed = true;
+    return {};
+}
+
+ControlAnswer change_server(Service& service, Connection&, const Words& words) {
+    if (words.size() != 3 || (words[2] != "up" && words[2] != "down")) {
+        return usage("server NAME up|down");
+    }
+    Node* node = node_named(service.world.domain, words[1]);
+    if (node == nullptr) {
+        return failed("no such node: " + words[1]);
+    }
+    node->gone = words[2] == "down";
+    indicate_server(service.world, *node, !node->gone);
+    return {};
+}
+
+ControlAnswer send_block(Service& service, Connection&, const Words& words) {
+    Bytes block;
+    if (words.size() != 2 || !from_hex(words[1], block) || block.size() < sizeof(VCB_HEADER)) {
+        return usage("send HEX");
+    }
+    return answer_of(act(service, place_of(service, "").node, std::move(block)));
+}
+
+} // namespace simnode

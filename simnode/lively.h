@@ -1,0 +1,11 @@
+// The lively mode: sessions come and go, and a link fails now and then, so that a demonstration has something to show.
+#pragma once
+
+#include "simnode/world.h"
+
+namespace simnode {
+
+// One turn: a few things happen, chosen by the seed, which is moved on.
+void live(World& world, unsigned& seed);
+
+} // namespace simnode

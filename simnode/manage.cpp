@@ -1,0 +1,305 @@
+#include "simnode/manage.h"
+
+#include "nof/connectivity.h"
+#include "nof/lu62.h"
+#include "nof/pu_lu.h"
+#include "simnode/indications.h"
+
+#include <cstring>
+
+namespace simnode {
+
+void activate_dlc(World& world, Node& node, Record& dlc) {
+    dlc.as<DLC_ENTRY>().state = NOF_STATE_ACTIVE;
+    indicate_dlc(world, node, dlc);
+}
+
+void activate_port(World& world, Node& node, Record& port) {
+    port.as<PORT_ENTRY>().state = NOF_STATE_ACTIVE;
+    indicate_port(world, node, port);
+}
+
+void deactivate_port(World& world, Node& node, Record& port) {
+    for (Record* ls : children(node.of(Kind::ls), port.key)) {
+        const NB_BYTE state = ls->as<LS_ENTRY>().det.state;
+        if (state != NOF_STATE_INACTIVE) {
+            deactivate_ls(world, node, *ls, false, false);
+        }
+    }
+    port.as<PORT_ENTRY>().state = NOF_STATE_INACTIVE;
+    indicate_port(world, node, port);
+}
+
+namespace {
+
+void clear_application(LU03_DETAIL& detail) {
+    detail.appl_conn_active = NAP_NO;
+    detail.app_type = NAP_NO_APPLICATION;
+    detail.application = {};
+}
+
+// LUs below a PU follow its state: active, or inactive and without sessions.
+void set_lus(World& world, Node& node, const Record& pu, bool active) {
+    for (Record* lu : children(node.of(Kind::lu_0_to_3), pu.key)) {
+        auto& detail = lu->as<LU03_ENTRY>().det_data;
+        if ((detail.lu_active != 0) != active || (!active && detail.plu_session_active != 0)) {
+            detail.lu_active = active;
+            detail.plu_session_active = 0;
+            indicate_lu_0_to_3(world, node, *lu);
+        }
+    }
+    for (Record* lu : children(node.of(Kind::downstream_lu), pu.key)) {
+        auto& entry = lu->as<DOWN_LU_ENTRY>();
+        if ((entry.lu_active != 0) != active) {
+            entry.lu_active = active;
+            entry.plu_session_active = 0;
+            indicate_downstream_lu(world, node, *lu);
+        }
+    }
+    for (Record* lu : children(node.of(Kind::local_lu), pu.key)) {
+        if (!active && lu->as<LU62_ENTRY>().session_status != 0) {
+            lu->as<LU62_ENTRY>().session_status = 0;
+            indicate_local_lu(world, node, *lu);
+        }
+    }
+}
+
+void set_pu(World& world, Node& node, Kind kind, Record& pu, bool active) {
+    auto& entry = pu.as<PU_ENTRY>();
+    entry.state = active;
+    if (kind == Kind::dlur_pu) {
+        entry.dlur_active = active;
+        entry.dlur_status = active ? NOF_DLUR_ACTIVE : NOF_DLUR_INACTIVE;
+    }
+    indicate(world, node, kind, pu, false);
+    set_lus(world, node, pu, active);
+}
+
+} // namespace
+
+void activate_pu(World& world, Node& node, Kind kind, Record& pu) {
+    set_pu(world, node, kind, pu, true);
+}
+
+void deactivate_pu(World& world, Node& node, Kind kind, Record& pu) {
+    set_pu(world, node, kind, pu, false);
+}
+
+void activate_ls(World& world, Node& node, Record& ls) {
+    auto& entry = ls.as<LS_ENTRY>();
+    entry.det.state = NOF_STATE_START_PENDING;
+    indicate_ls(world, node, ls, NOF_LS_STARTING, false);
+    entry.det.state = NOF_STATE_ACTIVE;
+    entry.det.activation_flags = activation_flags(ls);
+    if (is_blank(entry.det.adj_cp_name, sizeof(NB_FQNAME))) {
+        std::memcpy(entry.det.adj_cp_name, entry.def.adj_cp_name, sizeof(NB_FQNAME));
+        entry.det.adj_cp_type = entry.def.adj_cp_type;
+    }
+    indicate_ls(world, node, ls, NOF_LS_ACTIVATED, false);
+    Kind kind = Kind::pu;
+    if (Record* pu = pu_of_ls(node, ls, kind)) {
+        activate_pu(world, node, kind, *pu);
+    }
+}
+
+void deactivate_ls(World& world, Node& node, Record& ls, bool failed, bool disable) {
+    auto& entry = ls.as<LS_ENTRY>();
+    const bool was_active = entry.det.state == NOF_STATE_ACTIVE;
+    NB_FQNAME cp;
+    std::memcpy(cp, entry.det.adj_cp_name, sizeof cp);
+    Kind kind = Kind::pu;
+    Record* pu = pu_of_ls(node, ls, kind);
+    if (pu != nullptr && pu->as<PU_ENTRY>().state != 0) {
+        deactivate_pu(world, node, kind, *pu);
+    }
+    entry.det.state = failed ? NOF_STATE_FAILED : NOF_STATE_INACTIVE;
+    entry.det.active_sessions = 0;
+    std::memset(entry.det.adj_cp_name, 0, sizeof entry.det.adj_cp_name);
+    NB_BYTE new_state = failed ? NOF_LS_FAILED_ENABLED : NOF_LS_STOPPED;
+    if (disable) {
+        entry.det.activation_flags = 0;
+        new_state = NOF_LS_DISABLED;
+    }
+    const bool dynamic = entry.det.implicit == NAP_YES;
+    indicate_ls(world, node, ls, new_state, dynamic);
+    if (was_active) {
+        end_sessions_with(world, node, cp);
+    }
+    if (dynamic) {
+        remove_record(node, Kind::ls, ls);
+    }
+}
+
+void activate_node(World& world, Node& node) {
+    node.active = true;
+    for (Record* dlc : everything(node.of(Kind::dlc))) {
+        if (dlc->as<DLC_ENTRY>().def.initially_active != 0) {
+            activate_dlc(world, node, *dlc);
+        }
+    }
+    for (Record* port : everything(node.of(Kind::port))) {
+        const Record* dlc = find(node.of(Kind::dlc), port->parent);
+        if (port->as<PORT_ENTRY>().def.initially_active != 0 && dlc != nullptr &&
+            dlc->as<DLC_ENTRY>().state == NOF_STATE_ACTIVE) {
+            activate_port(world, node, *port);
+        }
+    }
+    for (Record* ls : everything(node.of(Kind::ls))) {
+        ls->as<LS_ENTRY>().det.activation_flags = activation_flags(*ls);
+        const Record* port = find(node.of(Kind::port), ls->parent);
+        if (ls->as<LS_ENTRY>().def.initially_active != 0 && port != nullptr &&
+            port->as<PORT_ENTRY>().state == NOF_STATE_ACTIVE) {
+            activate_ls(world, node, *ls);
+        }
+    }
+    for (Record* pu : everything(node.of(Kind::dlur_pu))) {
+        if (pu->as<PU_ENTRY>().initially_active != 0) {
+            activate_pu(world, node, Kind::dlur_pu, *pu);
+        }
+    }
+}
+
+void deactivate_node(Node& node) {
+    node.active = false;
+    for (Record* dlc : everything(node.of(Kind::dlc))) {
+        dlc->as<DLC_ENTRY>().state = NOF_STATE_INACTIVE;
+    }
+    for (Record* port : everything(node.of(Kind::port))) {
+        port->as<PORT_ENTRY>().state = NOF_STATE_INACTIVE;
+    }
+    for (Record* ls : everything(node.of(Kind::ls))) {
+        auto& detail = ls->as<LS_ENTRY>().det;
+        if (detail.implicit == NAP_YES) {
+            remove_record(node, Kind::ls, *ls);
+            continue;
+        }
+        detail.state = NOF_STATE_INACTIVE;
+        detail.active_sessions = 0;
+        std::memset(detail.adj_cp_name, 0, sizeof detail.adj_cp_name);
+    }
+    for (const Kind kind : {Kind::pu, Kind::dlur_pu, Kind::downstream_pu}) {
+        for (Record* pu : everything(node.of(kind))) {
+            auto& entry = pu->as<PU_ENTRY>();
+            entry.state = 0;
+            entry.dlur_active = 0;
+            entry.dlur_status = kind == Kind::dlur_pu ? NOF_DLUR_INACTIVE : NOF_DLUR_RESET;
+        }
+    }
+    for (Record* lu : everything(node.of(Kind::lu_0_to_3))) {
+        auto& detail = lu->as<LU03_ENTRY>().det_data;
+        detail.lu_active = 0;
+        detail.plu_session_active = 0;
+        clear_application(detail);
+    }
+    for (Record* lu : everything(node.of(Kind::downstream_lu))) {
+        lu->as<DOWN_LU_ENTRY>().lu_active = 0;
+        lu->as<DOWN_LU_ENTRY>().plu_session_active = 0;
+    }
+    for (Record* lu : everything(node.of(Kind::local_lu))) {
+        lu->as<LU62_ENTRY>().session_status = 0;
+    }
+    clear(node.of(Kind::partner));
+    clear(node.of(Kind::mode));
+    for (Record* entry : everything(node.of(Kind::directory))) { // what was learned is forgotten
+        if (entry->as<DIRECTORY_ENTRY>().entry_type != NOF_DIRECTORY_DEFINED) {
+            erase(node.of(Kind::directory), *entry);
+        }
+    }
+}
+
+namespace {
+
+Record& partner_of(World& world, Node& node, const Record& lu, const NB_FQNAME& name,
+                   const NB_FQNAME& cp) {
+    if (Record* partner = find(node.of(Kind::partner), lu.key + raw(name, sizeof name))) {
+        return *partner;
+    }
+    Bytes bytes(sizeof(PLU_ENTRY));
+    auto& entry = *reinterpret_cast<PLU_ENTRY*>(bytes.data());
+    std::memcpy(entry.plu_name, name, sizeof name);
+    if (!is_blank(cp, sizeof cp)) {
+        entry.cp_known = NAP_YES;
+        std::memcpy(entry.cp_name, cp, sizeof cp);
+    }
+    if (const Record* definition = find(node.of(Kind::partner_definition), raw(name, sizeof name))) {
+        std::memcpy(entry.plu_alias, definition->as<PLU_DEF_ENTRY>().def.plu_alias, 8);
+    }
+    Record& partner = store(node, kind_row(Kind::partner), std::move(bytes), lu.key);
+    indicate_partner(world, node, partner, false);
+    return partner;
+}
+
+Record& mode_of(Node& node, const Record& lu, const Record& partner, const NB_NAME8E& name) {
+    const auto& known = partner.as<PLU_ENTRY>();
+    const std::string key =
+        lu.key + raw(known.plu_name, sizeof known.plu_name) + raw(name, sizeof name);
+    if (Record* mode = find(node.of(Kind::mode), key)) {
+        return *mode;
+    }
+    Bytes bytes(sizeof(MODE_ENTRY));
+    auto& entry = *reinterpret_cast<MODE_ENTRY*>(bytes.data());
+    std::memcpy(entry.mode_name, name, sizeof name);
+    std::memcpy(entry.plu_name, known.plu_name, sizeof known.plu_name);
+    entry.cp_known = known.cp_known;
+    std::memcpy(entry.cp_name, known.cp_name, sizeof known.cp_name);
+    if (const Record* definition = find_name8(node, Kind::mode_definition, name)) {
+        const auto& limits = definition->as<MODE_DEF_ENTRY>().def;
+        entry.max_session_limit = limits.max_session_limit;
+        entry.current_session_limit = limits.initial_session_limit;
+        entry.min_conwinners = limits.min_conwinners;
+        entry.min_conlosers = limits.min_conlosers;
+        entry.auto_activation = limits.auto_activation;
+    }
+    return store(node, kind_row(Kind::mode), std::move(bytes), lu.key);
+}
+
+} // namespace
+
+void set_sessions(World& world, Node& node, const Record& lu, const NB_FQNAME& partner_name,
+                  const NB_NAME8E& mode_name, const NB_FQNAME& cp, NB_USHORT count) {
+    Record& partner = partner_of(world, node, lu, partner_name, cp);
+    Record& mode = mode_of(node, lu, partner, mode_name);
+    auto& entry = mode.as<MODE_ENTRY>();
+    auto& sums = partner.as<PLU_ENTRY>();
+    sums.active_sessions =
+        static_cast<NB_USHORT>(sums.active_sessions + count - entry.act_sess_count);
+    entry.act_sess_count = count;
+    entry.act_conwinners = static_cast<NB_USHORT>((count + 1) / 2);
+    entry.act_conlosers = static_cast<NB_USHORT>(count / 2);
+    indicate_mode(world, node, mode, false);
+    if (count == 0) {
+        erase(node.of(Kind::mode), mode);
+        if (sums.active_sessions == 0) {
+            indicate_partner(world, node, partner, true);
+            erase(node.of(Kind::partner), partner);
+        }
+    }
+}
+
+void end_sessions_with(World& world, Node& node, const NB_FQNAME& cp) {
+    if (is_blank(cp, sizeof cp)) {
+        return;
+    }
+    for (const Record* ls : everything(node.of(Kind::ls))) { // another link may carry them
+        const auto& detail = ls->as<LS_ENTRY>().det;
+        if (detail.state == NOF_STATE_ACTIVE &&
+            std::memcmp(detail.adj_cp_name, cp, sizeof cp) == 0) {
+            return;
+        }
+    }
+    for (const Record* mode : everything(node.of(Kind::mode))) {
+        const MODE_ENTRY entry = mode->as<MODE_ENTRY>();
+        const Record* lu = find(node.of(Kind::local_lu), mode->parent);
+        if (lu != nullptr && std::memcmp(entry.cp_name, cp, sizeof cp) == 0) {
+            set_sessions(world, node, *lu, entry.plu_name, entry.mode_name, cp, 0);
+        }
+    }
+}
+
+void release_lu(World& world, Node& node, Record& lu) {
+    clear_application(lu.as<LU03_ENTRY>().det_data);
+    lu.as<LU03_ENTRY>().det_data.plu_session_active = 0;
+    indicate_lu_0_to_3(world, node, lu);
+}
+
+} // namespace simnode
