@@ -1,0 +1,228 @@
+// Rasterises SVG icons into a UIL module of icon literals.
+//
+//   iconc --out FILE.uil --module NAME --unit PIXELS [--suffix S] [--bitmap] SVG...
+//
+// One unit of an icon's view box becomes PIXELS pixels (a fraction is allowed). For NAME.svg the module exports
+// NAME<S>_icon and NAME<S>_iconi, the same on the selection's dark ground. With --bitmap it exports NAME<S>_icon and the
+// mask NAME<S>m_icon, both of two colours. Pixels take the nearest colour of the palette; transparent ones become the
+// background colour, which the program chooses.
+#include <cairo.h>
+#include <librsvg/rsvg.h>
+
+#include <array>
+#include <cmath>
+#include <cstdint>
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+#include <filesystem>
+#include <fstream>
+#include <iostream>
+#include <limits>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace {
+
+struct COLOUR {
+    int r, g, b;
+};
+
+constexpr COLOUR light_ground{0xF7, 0xF8, 0xFA};
+constexpr COLOUR dark_ground{0x1F, 0x2A, 0x36};
+
+// The drawing's own colours; blends of each with the ground smooth the edges.
+struct INK {
+    COLOUR on_light;
+    COLOUR on_dark;
+};
+constexpr INK inks[] = {
+    {{0x26, 0x32, 0x3E}, {0xE6, 0xEC, 0xF2}}, // outline
+    {{0x84, 0x97, 0xAA}, {0x9F, 0xB0, 0xC1}}, // tone
+    {{0xD6, 0xE0, 0xE9}, {0x46, 0x58, 0x6A}}, // light fill
+    {{0xFF, 0xFF, 0xFF}, {0x2C, 0x3A, 0x48}}, // paper
+    {{0x2F, 0x6F, 0xB3}, {0x7F, 0xB6, 0xF0}}, // accent
+    {{0x2A, 0x8A, 0x57}, {0x6F, 0xD3, 0x9C}}, // go
+    {{0xC0, 0x3A, 0x2B}, {0xFF, 0x8D, 0x7E}}, // stop
+    {{0xC9, 0x84, 0x12}, {0xF2, 0xBE, 0x5C}}, // lock and key
+    {{0xB3, 0xBC, 0xC5}, {0x6B, 0x79, 0x87}}, // insensitive outline
+};
+constexpr std::array blends{1.0, 0.66, 0.33};
+constexpr std::string_view letters = "abcdefghijklmnopqrstuvwxyzABCDEFGHIJKLMNOPQRSTUVWXYZ";
+static_assert(std::size(inks) * blends.size() <= letters.size());
+
+COLOUR mix(COLOUR a, COLOUR b, double share) {
+    const auto channel = [&](int x, int y) { return static_cast<int>(std::lround(x * share + y * (1 - share))); };
+    return {channel(a.r, b.r), channel(a.g, b.g), channel(a.b, b.b)};
+}
+
+int distance(COLOUR a, COLOUR b) {
+    return (a.r - b.r) * (a.r - b.r) + (a.g - b.g) * (a.g - b.g) + (a.b - b.b) * (a.b - b.b);
+}
+
+[[noreturn]] void fail(const std::string& text) {
+    std::cerr << "iconc: " << text << '\n';
+    std::exit(1);
+}
+
+struct IMAGE {
+    int width, height;
+    std::vector<std::uint32_t> argb; // premultiplied
+};
+
+IMAGE rasterise(const std::string& file, double unit) {
+    GError* error = nullptr;
+    RsvgHandle* handle = rsvg_handle_new_from_file(file.c_str(), &error);
+    if (handle == nullptr) {
+        fail(file + ": " + error->message);
+    }
+    RsvgRectangle box;
+    gboolean has_width, has_height, has_box;
+    RsvgLength width, height;
+    rsvg_handle_get_intrinsic_dimensions(handle, &has_width, &width, &has_height, &height, &has_box, &box);
+    if (!has_box) {
+        fail(file + ": no viewBox");
+    }
+    IMAGE image{static_cast<int>(std::lround(box.width * unit)), static_cast<int>(std::lround(box.height * unit)), {}};
+    cairo_surface_t* surface = cairo_image_surface_create(CAIRO_FORMAT_ARGB32, image.width, image.height);
+    cairo_t* cr = cairo_create(surface);
+    const RsvgRectangle viewport{0, 0, static_cast<double>(image.width), static_cast<double>(image.height)};
+    if (!rsvg_handle_render_document(handle, cr, &viewport, &error)) {
+        fail(file + ": " + error->message);
+    }
+    cairo_surface_flush(surface);
+    const unsigned char* data = cairo_image_surface_get_data(surface);
+    const int stride = cairo_image_surface_get_stride(surface);
+    for (int y = 0; y < image.height; ++y) {
+        const auto* row = reinterpret_cast<const std::uint32_t*>(data + y * stride);
+        image.argb.insert(image.argb.end(), row, row + image.width);
+    }
+    cairo_destroy(cr);
+    cairo_surface_destroy(surface);
+    g_object_unref(handle);
+    return image;
+}
+
+int alpha(std::uint32_t pixel) { return static_cast<int>(pixel >> 24); }
+
+COLOUR over(std::uint32_t pixel, COLOUR ground) {
+    const double rest = 1 - alpha(pixel) / 255.0;
+    const auto channel = [&](int shift, int g) {
+        return static_cast<int>(std::lround(static_cast<int>(pixel >> shift & 0xFF) + g * rest));
+    };
+    return {channel(16, ground.r), channel(8, ground.g), channel(0, ground.b)};
+}
+
+// The letter of the palette colour nearest to a pixel. Both forms use the same letters: only the colour tables differ.
+char letter(std::uint32_t pixel) {
+    if (alpha(pixel) < 24) {
+        return ' ';
+    }
+    const COLOUR seen = over(pixel, light_ground);
+    char best = ' ';
+    int best_distance = distance(seen, light_ground);
+    std::size_t index = 0;
+    for (const INK& ink : inks) {
+        for (const double blend : blends) {
+            const int d = distance(seen, mix(ink.on_light, light_ground, blend));
+            if (d < best_distance) {
+                best_distance = d;
+                best = letters[index];
+            }
+            ++index;
+        }
+    }
+    return best;
+}
+
+void write_colours(std::ostream& out, const char* name, COLOUR INK::*ink_form, COLOUR ground) {
+    out << "value\n    " << name << ": color_table(background color = ' '";
+    std::size_t index = 0;
+    for (const INK& ink : inks) {
+        for (const double blend : blends) {
+            const COLOUR c = mix(ink.*ink_form, ground, blend);
+            char text[64];
+            std::snprintf(text, sizeof text, ",\n        color('#%02X%02X%02X') = '%c'", c.r, c.g, c.b, letters[index++]);
+            out << text;
+        }
+    }
+    out << ");\n";
+}
+
+template <typename PIXEL>
+void write_icon(std::ostream& out, const std::string& name, const char* colours, const IMAGE& image, PIXEL pixel) {
+    out << "value\n    " << name << ": exported icon(color_table = " << colours;
+    for (int y = 0; y < image.height; ++y) {
+        out << ",\n        '";
+        for (int x = 0; x < image.width; ++x) {
+            out << pixel(image.argb[static_cast<std::size_t>(y * image.width + x)]);
+        }
+        out << '\'';
+    }
+    out << ");\n";
+}
+
+} // namespace
+
+int main(int argc, char** argv) {
+    std::string out_name, module, suffix;
+    double unit = 1;
+    bool bitmap = false;
+    std::vector<std::string> files;
+    for (int i = 1; i < argc; ++i) {
+        const std::string_view option = argv[i];
+        const auto value = [&]() -> const char* {
+            if (++i == argc) {
+                fail(std::string(option) + " needs a value");
+            }
+            return argv[i];
+        };
+        if (option == "--out") {
+            out_name = value();
+        } else if (option == "--module") {
+            module = value();
+        } else if (option == "--suffix") {
+            suffix = value();
+        } else if (option == "--unit") {
+            unit = std::atof(value());
+        } else if (option == "--bitmap") {
+            bitmap = true;
+        } else if (option.starts_with("--")) {
+            fail("unknown option " + std::string(option));
+        } else {
+            files.emplace_back(option);
+        }
+    }
+    if (out_name.empty() || module.empty() || unit <= 0 || files.empty()) {
+        fail("usage: iconc --out FILE.uil --module NAME --unit PIXELS [--suffix S] [--bitmap] SVG...");
+    }
+    std::ofstream out(out_name);
+    out << "module " << module << "\n    names = case_sensitive\n";
+    if (bitmap) {
+        out << "value\n    two_colours: color_table(background color = ' ', foreground color = '*');\n";
+    } else {
+        write_colours(out, "on_light", &INK::on_light, light_ground);
+        write_colours(out, "on_dark", &INK::on_dark, dark_ground);
+    }
+    for (const std::string& file : files) {
+        const IMAGE image = rasterise(file, unit);
+        const std::string name = std::filesystem::path(file).stem().string() + suffix;
+        if (bitmap) {
+            write_icon(out, name + "_icon", "two_colours", image, [](std::uint32_t p) {
+                return alpha(p) >= 128 && over(p, light_ground).g < 128 ? '*' : ' ';
+            });
+            write_icon(out, name + "m_icon", "two_colours", image,
+                       [](std::uint32_t p) { return alpha(p) >= 128 ? '*' : ' '; });
+        } else {
+            write_icon(out, name + "_icon", "on_light", image, letter);
+            write_icon(out, name + "_iconi", "on_dark", image, letter);
+        }
+    }
+    out << "end module;\n";
+    out.close();
+    if (!out) {
+        fail("cannot write " + out_name);
+    }
+    return 0;
+}
