@@ -1,0 +1,45 @@
+// Fonts, graphics contexts, icons and layout metrics of the viewers, made once when the first
+// window builds its widgets.
+#pragma once
+
+#include "nba/nba.h"
+
+#include <X11/Intrinsic.h>
+
+inline constexpr int VGA_ICON_COUNT = 85;
+
+struct vga_viewer_metrics { // in pixels
+    int char_width = 0;
+    int ascent = 0, descent = 0;
+    int icon_width = 0, icon_height = 0;
+    int expand_icon_width = 0, expand_icon_height = 0;
+    int indent_width = 0;
+    int item_height = 1;
+    int expand_icon_top = 0, icon_top = 0, text_baseline = 0;
+    bool fixed_width = true; // every ASCII character is char_width wide
+};
+
+// Before the graphics are made a character is 0 and a row 1 pixel, so that lists keep their order
+// without a display.
+extern vga_viewer_metrics gvga_metrics;
+extern Pixmap gvga_pixmaps[VGA_ICON_COUNT];
+extern Pixmap gvga_inverted_pixmaps[VGA_ICON_COUNT];
+extern GC gvga_normal_gc, gvga_inverted_gc, gvga_outline_gc;
+extern XFontSet gvga_font_set; // null: gvga_font
+extern XFontStruct* gvga_font; // the font of the normal context; null when there is a font set
+extern Pixel gvga_background, gvga_foreground, gvga_top_shadow, gvga_bottom_shadow;
+
+// Makes everything above. widget: gives colours and colour map; font_widget: its font list is tried
+// first. False with exit code 165 set on failure.
+bool vga_init_graphics(Widget widget, Widget font_widget);
+// The fixed-width font set of the lists, or null: tries widget's font list, the X resource, the
+// patterns of a message and the default pattern. The caller frees it with vga_free_fontset.
+XFontSet vga_load_fixed_fontset(const char* resource, const char* default_pattern,
+                                int message_number, Widget widget);
+// Frees a set that vga_load_fixed_fontset made; one that belongs to a widget's font list stays.
+void vga_free_fontset(XFontSet set);
+// Exchanges the two shadow colours in one icon of an array.
+void vga_swap_shadows(int icon, Pixmap* pixmaps, GC gc);
+// A toolkit warning handler that says nothing.
+void vga_no_warning(String message);
+void vga_free_graphics();
