@@ -1,0 +1,47 @@
+// Removal of records with all that depends on them. redraw: the viewer draws at once; a caller that
+// removes many rows passes false and redraws once. Open dialogs are detached: they stay open and no
+// longer refer to the record. Handles of removed records do not validate any more.
+#pragma once
+
+#include "store/records.h"
+
+void vga_delete_vga_dlc(vga_dlc* dlc, bool redraw);
+void vga_delete_vga_port(vga_port* port, bool redraw);
+void vga_delete_vga_ls(vga_ls* ls, bool redraw);
+void vga_delete_vga_local_pu(vga_pu* pu, bool redraw);
+void vga_delete_vga_down_pu(vga_pu* pu, bool redraw);
+void vga_delete_vga_cn(vga_cn* cn, bool redraw);
+void vga_delete_vga_cn_port(vga_cn_port* cn_port);
+void vga_delete_vga_dlur_fake_port(vga_node* node, bool redraw);
+void vga_delete_vga_primary_line_fake_port(vga_node* node, bool redraw);
+
+void vga_delete_vga_lu03(vga_lu03* lu, bool redraw);
+void vga_delete_lu03_extra_data(vga_lu03* lu);
+void vga_delete_vga_down_lu(vga_down_lu* lu, bool redraw);
+void vga_delete_vga_lu62(vga_lu62* lu, bool redraw);
+void vga_delete_vga_plu(vga_plu* plu, bool redraw);
+void vga_delete_vga_mode(vga_mode* mode, bool redraw);
+void vga_delete_vga_mode_def(vga_mode_def* mode, bool redraw);
+void vga_delete_vga_cos(vga_cos* cos, bool redraw);
+
+void vga_delete_vga_dir(vga_dir* dir, bool redraw);
+// Takes reasons to exist from a remote system: that it is defined, that sessions run to it. It goes
+// when none is left; its partners lose the same reasons.
+void vga_delete_vga_rem_sys(vga_rem_sys* rem_sys, bool clear_defined, bool clear_sessions,
+                            bool redraw);
+// The same for a remote partner LU. A definition whose location goes moves to the network's fake
+// remote system.
+void vga_delete_vga_rem_plu(vga_rem_plu* rem_plu, bool clear_definition, bool clear_location,
+                            bool clear_sessions, bool redraw);
+void vga_delete_vga_rem_sess(vga_rem_sess* sess, bool redraw);
+// Tells the operator that a remote system is no longer known by definition, and removes that
+// reason.
+void vga_overwrite_vga_rem_sys(vga_rem_sys* rem_sys);
+
+void vga_delete_sna_net_node(vga_sna_net_node* node);
+
+// Free the records of a node without a thought for its rows, which are gone already; for the end of
+// the node.
+void vga_release_connectivity(vga_node* node); // DLCs to dependent LUs, but for the LUs 6.2
+void vga_release_lu62s(vga_node* node);        // with mode definitions and classes of service
+void vga_release_remote(vga_node* node);       // with the directory

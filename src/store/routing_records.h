@@ -1,0 +1,39 @@
+// Link station routes of a local LU 6.2, and the node as a host: primary lines and their LUs.
+#pragma once
+
+#include "common/avl.h"
+#include "nof/primary.h"
+#include "nof/routing.h"
+#include "store/connectivity_records.h"
+#include "store/remote_records.h"
+
+struct vga_lu62;
+
+struct vga_ls_routing {
+    NTL_AVL_NODE node; // the LU's routing tree, key key
+    vga_rem_plu_key key;
+    NB_HANDLE handle;
+    vga_lu62* parent;
+    LS_ROUTING_ENTRY vcb;
+    vga_record_gui gui_data;
+    vga_viewer viewer; // under the LU's route heading
+};
+
+struct vga_primary_line {
+    NTL_AVL_NODE node; // node primary line tree, key vcb.line_name
+    NB_HANDLE handle;
+    vga_node* parent;
+    PRIMARY_LINE_ENTRY vcb;
+    vga_record_gui gui_data;
+    vga_viewer viewer;    // under the primary line fake port
+    NTL_AVL_TREE lu_tree; // vga_primary_lu0
+};
+
+struct vga_primary_lu0 {
+    NTL_AVL_NODE node; // its line's tree, key vcb.lu_name
+    NB_HANDLE handle;
+    vga_primary_line* parent;
+    PRIMARY_LU0_ENTRY vcb;
+    vga_record_gui gui_data;
+    vga_viewer viewer;
+};
