@@ -1,0 +1,106 @@
+#include "ui/framework/common_actions.h"
+
+#include "shell/globals.h"
+#include "store/records.h"
+#include "ui/framework/dialog.h"
+
+namespace {
+
+vga_dialog* open_instance(NB_USHORT dialog_id) {
+    vga_dialog* found = nullptr;
+    vga_for_each_open_dialog([&](vga_dialog* dialog) {
+        if (dialog->dialog_id == dialog_id) {
+            found = dialog;
+        }
+    });
+    return found;
+}
+
+// Shows a window of the whole domain: the one that is open, or a new one.
+void show_domain_window(NB_USHORT dialog_id) {
+    if (vga_dialog* dialog = open_instance(dialog_id)) {
+        vga_raise_dialog(dialog);
+        return;
+    }
+    vga_dialog* dialog = nullptr;
+    if (vga_get_dialog(dialog_id, gvga_main_dialog, gvga_system, &dialog)) {
+        vga_display_dialog(dialog);
+    }
+}
+
+void show_if_configured(Widget widget, NB_USHORT dialog_id) {
+    if (vga_check_config(vga_dialog_of(widget))) {
+        show_domain_window(dialog_id);
+    }
+}
+
+} // namespace
+
+bool vga_check_config(vga_dialog* dialog) {
+    for (auto* node = ntl_avl_first<vga_node>(gvga_system->node_tree); node != nullptr;
+         node = static_cast<vga_node*>(ntl_avl_next(&node->node))) {
+        if (node->node_state != VGA_NODE_STATE_UNCONFIGURED) {
+            return true;
+        }
+    }
+    vga_display_info_dialog(dialog, gvga_supported[VGA_SUPPORT_CLIENT_SERVER] ? 219 : 215,
+                            "tasknode", nullptr, 0, "");
+    return false;
+}
+
+void vga_action_user(Widget widget, XtPointer, XtPointer) {
+    show_if_configured(widget, VGA_UID_USER_WINDOW);
+}
+
+void vga_action_lu_pool(Widget widget, XtPointer, XtPointer) {
+    show_if_configured(widget, VGA_UID_POOL_WINDOW);
+}
+
+void vga_action_cpic(Widget widget, XtPointer, XtPointer) {
+    show_if_configured(widget, VGA_UID_CPIC_WINDOW);
+}
+
+void vga_action_rje(Widget widget, XtPointer, XtPointer) {
+    if (gvga_system->config_file_handle == 0) {
+        vga_display_info_dialog(vga_dialog_of(widget), 218, "mastercfg", nullptr, 0, "");
+        return;
+    }
+    show_if_configured(widget, VGA_UID_RJEW_WINDOW);
+}
+
+void vga_sysw_logging(Widget, XtPointer, XtPointer) {
+    show_domain_window(VGA_UID_LOG_DIALOG);
+}
+
+// The help windows do not exist yet: like a dialog without a form, help that was asked for is
+// reported as missing, together with its location. Behind a message box the report waits until the
+// message is answered.
+void vga_help_cb(Widget widget, XtPointer client_data, XtPointer) {
+    vga_report_missing_dialog(vga_dialog_of(widget), static_cast<const char*>(client_data));
+}
+
+void vga_modal_dialog_help_cb(Widget, XtPointer client_data, XtPointer) {
+    auto* dialog = static_cast<vga_dialog*>(nba_validate_handle(vga_data_handle(client_data)));
+    if (dialog != nullptr) {
+        vga_report_missing_dialog(dialog, dialog->modal_dlg.help_tag);
+    }
+}
+
+void vga_menu_help_contents(Widget widget, XtPointer, XtPointer) {
+    vga_report_missing_dialog(vga_dialog_of(widget), "_hometopic");
+}
+
+void vga_menu_help_index(Widget widget, XtPointer, XtPointer) {
+    vga_report_missing_dialog(vga_dialog_of(widget), "index");
+}
+
+void vga_menu_help_help(Widget widget, XtPointer, XtPointer) {
+    vga_report_missing_dialog(vga_dialog_of(widget), "_hometopic");
+}
+
+void vga_menu_help_about(Widget widget, XtPointer, XtPointer) {
+    vga_dialog* about = nullptr;
+    if (vga_get_dialog(VGA_UID_ABOUT_BOX, vga_dialog_of(widget), nullptr, &about)) {
+        vga_display_dialog(about);
+    }
+}

@@ -1,0 +1,407 @@
+#include "viewer/fixture.h"
+
+#include "shell/globals.h"
+#include "shell/messages.h"
+
+#include <Mrm/MrmPublic.h>
+#include <X11/Xutil.h>
+#include <X11/extensions/XTest.h>
+#include <Xm/MwmUtil.h>
+#include <Xm/ScrollBar.h>
+#include <Xm/ScrolledW.h>
+#include <chrono>
+#include <cstdlib>
+#include <cstring>
+#include <filesystem>
+#include <fstream>
+
+// The tests' own tables stand in for those of the program, which would bring every window along.
+
+namespace {
+
+int create_text(void* record, char* text) {
+    const std::string& from = static_cast<Row*>(record)->text;
+    std::memcpy(text, from.c_str(), from.size() + 1);
+    return static_cast<int>(from.size());
+}
+
+int choose_icon(void*) {
+    return VGA_ICON_PORT;
+}
+
+void report(const char* what, void* record, int click_count = 0) {
+    Viewer_test::current->calls.push_back({what, record, click_count});
+}
+
+void arm_cb(void* record, XmDrawnButtonCallbackStruct* data) {
+    const unsigned state = data->event->xbutton.state;
+    report("arm", record);
+    vga_viewer_select(&static_cast<Row*>(record)->item, &Viewer_test::current->root,
+                      state & ControlMask, state & ShiftMask, false, false);
+}
+
+void act_cb(void* record, XmDrawnButtonCallbackStruct* data) {
+    report("act", record, data->click_count);
+}
+
+void disarm_cb(Widget, XtPointer, XtPointer) {
+    report("disarm", nullptr);
+}
+
+void no_drag_cb(void* record, bool, bool) {
+    report("drag", record);
+}
+
+void underline_cb(void* record, Widget, int x, int y, GC) {
+    vga_viewer_add_underline(&Viewer_test::current->root, &static_cast<Row*>(record)->item, x, y,
+                             "----%t8%--- -");
+}
+
+void select_cb(vga_dialog*) {
+    report("select", nullptr);
+}
+
+bool alone(const void*) {
+    return true;
+}
+
+template <int Action> void window_action(Widget, XtPointer, XtPointer) {
+    static const char* const names[] = {"delete", "properties", "add"};
+    report(names[Action], nullptr);
+}
+
+constexpr auto none = nullptr;
+constexpr VGA_VIEWER_DESC untested = {};
+
+} // namespace
+
+#define COMMON create_text, choose_icon, 1, arm_cb, disarm_cb, act_cb
+extern const VGA_VIEWER_DESC gvga_viewer_desc[VGA_VIEWER_TYPE_COUNT] = {
+    {COMMON, none, none, select_cb, 1, 0, 1, none},
+    {COMMON, none, none, select_cb, 1, 1, 0, none},
+    {create_text, choose_icon, 0, arm_cb, disarm_cb, act_cb, none, none, select_cb, 0, 2, 0, none},
+    {create_text, none, 1, none, none, none, none, underline_cb, none, 0, 0, 1, none},
+    {COMMON, none, none, select_cb, 0, 0, 1, alone},
+    untested,
+    untested,
+    untested,
+    untested,
+    untested,
+    untested,
+    {COMMON, none, none, select_cb, 0, 0, 1, none}, // VGA_VIEWER_NODE
+    untested,
+    untested,
+    untested,
+    untested,
+    untested,
+    untested,
+    untested,
+    untested,
+    untested,
+    untested,
+    untested,
+    untested,
+    untested,
+    untested,
+    untested,
+    untested,
+    untested,
+    untested,
+    untested,
+    {COMMON, no_drag_cb, none, select_cb, 0, 0, 1, none}, // VGA_VIEWER_LS_R_TITLE
+};
+extern constinit const std::array<VGA_UID_DESC, VGA_UID_MAX + 1> gvga_uid_desc = [] {
+    std::array<VGA_UID_DESC, VGA_UID_MAX + 1> table = {};
+    table[0].delete_items = window_action<0>;
+    table[0].properties = window_action<1>;
+    table[0].add_items = window_action<2>;
+    return table;
+}();
+Widget gvga_modal_firewall_widget;
+NB_LONG gvga_modal_firewall_count;
+void vga_check_modal_dialog_queues() {
+    report("queues", nullptr);
+}
+
+Viewer_test* Viewer_test::current;
+
+const std::string& scratch_directory() {
+    struct Directory {
+        std::string path;
+        Directory() {
+            char name[] = "/tmp/viewer-test-XXXXXX";
+            path = mkdtemp(name);
+        }
+        ~Directory() { std::filesystem::remove_all(path); }
+    };
+    static const Directory directory;
+    return directory.path;
+}
+
+void make_icon_file(const std::string& module, const std::string& suffix,
+                    const std::vector<std::string>& names) {
+    const std::string base = scratch_directory() + "/" + module;
+    std::ofstream uil(base + ".uil");
+    uil << "module " << module << "\nvalue\n"
+        << "dark : color_table(background color = ' ', foreground color = '*');\n"
+        << "light : color_table(background color = '*', foreground color = ' ');\n";
+    for (const std::string& name : names) {
+        const bool box = name == "plus" || name == "minus";
+        const int size = (box ? 9 : 16) + (suffix.empty() ? 0 : 8);
+        for (const char* inverse : {"", "i"}) {
+            uil << name << suffix << "_icon" << inverse
+                << " : exported icon(color_table=" << (*inverse != '\0' ? "light" : "dark");
+            for (int y = 0; y < size; ++y) { // an image that differs in every direction
+                std::string line(size, ' ');
+                line[0] = line[y] = '*';
+                uil << ",\n '" << (y == 0 ? std::string(size, '*') : line) << "'";
+            }
+            uil << ");\n";
+        }
+    }
+    uil << "end module;\n";
+    uil.close();
+    ASSERT_EQ(0, std::system(("uil -o " + base + ".uid " + base + ".uil").c_str()));
+}
+
+void start_graphics() {
+    if (gvga_display != nullptr) {
+        return;
+    }
+    make_icon_file("icons", "", {std::begin(gvga_pixmap_names), std::end(gvga_pixmap_names)});
+    setenv("UIDPATH", (scratch_directory() + "/%U").c_str(), 1);
+    setenv("XENVIRONMENT", "/dev/null", 1);
+    MrmInitialize();
+    int argc = 1;
+    static char program[] = "viewer";
+    static char* argv[] = {program, nullptr};
+    gvga_toplevel =
+        XtVaAppInitialize(&gvga_appcontext, "Tessaly", nullptr, 0, &argc, argv, nullptr, nullptr);
+    gvga_display = XtDisplay(gvga_toplevel);
+    gvga_screen = XtScreen(gvga_toplevel);
+    gvga_root_window = RootWindowOfScreen(gvga_screen);
+    gvga_messages[602] = gvga_messages[609] = "-misc-fixed-medium-r-semicondensed--13-*";
+    gvga_messages[603] = "l";
+    for (int message : {612, 613, 1443, 1446, 1447, 1448}) {
+        gvga_messages[message] = "warning";
+    }
+    Widget label = XtVaCreateWidget("colours", xmDrawnButtonWidgetClass, gvga_toplevel, nullptr);
+    ASSERT_TRUE(vga_init_graphics(label, label));
+    XtDestroyWidget(label);
+}
+
+void Viewer_test::SetUp() {
+    start_graphics();
+    current = this;
+    shell = XtVaAppCreateShell("viewer", "Tessaly", topLevelShellWidgetClass, gvga_display, XmNx, 0,
+                               XmNy, 0, XmNallowShellResize, True, XmNinput, True, nullptr);
+    scrolled = XtVaCreateManagedWidget(
+        "list", xmScrolledWindowWidgetClass, shell, XmNscrollingPolicy, XmAPPLICATION_DEFINED,
+        XmNshadowThickness, 0, XmNspacing, 0, XmNwidth, 300, XmNheight, 200, nullptr);
+    button = XtVaCreateManagedWidget(
+        "rows", xmDrawnButtonWidgetClass, scrolled, XmNshadowThickness, 0, XmNhighlightThickness, 0,
+        XmNmarginWidth, 0, XmNmarginHeight, 0, XmNnavigationType, XmTAB_GROUP, XmNbackground,
+        gvga_background, XmNforeground, gvga_foreground, nullptr);
+    h_bar = XtVaCreateWidget("h", xmScrollBarWidgetClass, scrolled, XmNorientation, XmHORIZONTAL,
+                             nullptr);
+    v_bar = XtVaCreateWidget("v", xmScrollBarWidgetClass, scrolled, XmNorientation, XmVERTICAL,
+                             nullptr);
+    XtRealizeWidget(shell);
+    asserts_before = nba_assert_count();
+    ASSERT_TRUE(vga_viewer_init_root(&root));
+    owner.open = 1;
+    root.owner = &owner;
+    vga_viewer_display_root(&root, button, h_bar, v_bar);
+    ASSERT_TRUE(pump_until([&] { return root.exposed != 0; }));
+    pump();
+}
+
+void Viewer_test::TearDown() {
+    EXPECT_EQ(asserts_before, nba_assert_count()) << nba_last_assert();
+    vga_viewer_undisplay(&root);
+    vga_viewer_destroy_root(&root);
+    XtDestroyWidget(shell);
+    pump();
+    current = nullptr;
+}
+
+std::unique_ptr<Row> Viewer_test::new_row(const std::string& text) {
+    auto row = std::make_unique<Row>();
+    row->text = text;
+    return row;
+}
+
+void Viewer_test::create(Row* row, NB_BYTE type, Row* parent, Row* previous) {
+    vga_create_viewer(&root, &row->item, type, row, parent != nullptr ? &parent->item : nullptr,
+                      previous != nullptr ? &previous->item : nullptr);
+}
+
+void Viewer_test::fill(int count, NB_BYTE type, Row* parent) {
+    const NTL_AVL_TREE& siblings = parent != nullptr ? parent->item.children : root.top_items;
+    vga_viewer* last = vga_viewer_bottom(siblings);
+    Row* previous = last != nullptr ? static_cast<Row*>(last->data) : nullptr;
+    for (int ii = 0; ii < count; ++ii) {
+        rows.push_back(new_row(std::to_string(rows.size() + 1)));
+        create(rows.back().get(), type, parent, previous);
+        previous = rows.back().get();
+    }
+}
+
+void Viewer_test::resize(int width, int height) {
+    Dimension w = 0;
+    Dimension h = 0;
+    XtVaGetValues(v_bar, XmNwidth, &w, nullptr);
+    XtVaGetValues(h_bar, XmNheight, &h, nullptr);
+    XtVaSetValues(scrolled, XmNwidth, width + (XtIsManaged(v_bar) ? w : 0), XmNheight,
+                  height + (XtIsManaged(h_bar) ? h : 0), nullptr);
+    pump();
+}
+
+void Viewer_test::pump() {
+    // The second pass handles what the first one caused.
+    for (int pass = 0; pass < 2; ++pass) {
+        XSync(gvga_display, False);
+        while (XtAppPending(gvga_appcontext) != 0) {
+            XtAppProcessEvent(gvga_appcontext, XtIMAll);
+        }
+    }
+}
+
+bool Viewer_test::pump_until(const std::function<bool()>& condition) {
+    using Clock = std::chrono::steady_clock;
+    const auto deadline = Clock::now() + std::chrono::seconds(10);
+    // A timer wakes the loop, so that the deadline is seen without events.
+    while (!condition()) {
+        if (Clock::now() > deadline) {
+            return false;
+        }
+        XtAppAddTimeOut(
+            gvga_appcontext, 20, [](XtPointer, XtIntervalId*) {}, nullptr);
+        XtAppProcessEvent(gvga_appcontext, XtIMAll);
+    }
+    return true;
+}
+
+void Viewer_test::move_pointer(int x, int y) {
+    Position root_x = 0;
+    Position root_y = 0;
+    XtTranslateCoords(button, static_cast<Position>(x), static_cast<Position>(y), &root_x, &root_y);
+    XTestFakeMotionEvent(gvga_display, -1, root_x, root_y, CurrentTime);
+}
+
+void Viewer_test::press(unsigned number, bool down) {
+    XTestFakeButtonEvent(gvga_display, number, down, CurrentTime);
+}
+
+void Viewer_test::click(int x, int y) {
+    move_pointer(x, y);
+    press(1, true);
+    press(1, false);
+}
+
+void Viewer_test::type_key(KeySym key, KeySym modifier) {
+    XSetInputFocus(gvga_display, XtWindow(shell), RevertToParent, CurrentTime);
+    XmProcessTraversal(button, XmTRAVERSE_CURRENT);
+    pump();
+    const auto fake = [](KeySym sym, bool down) {
+        if (sym != NoSymbol) {
+            XTestFakeKeyEvent(gvga_display, XKeysymToKeycode(gvga_display, sym), down, CurrentTime);
+        }
+    };
+    fake(modifier, true);
+    fake(key, true);
+    fake(key, false);
+    fake(modifier, false);
+}
+
+namespace {
+
+XmDrawnButtonCallbackStruct button_data(XEvent* event, int click_count) {
+    XmDrawnButtonCallbackStruct data = {};
+    data.event = event;
+    data.click_count = click_count;
+    return data;
+}
+
+XEvent button_event(int type, int x, int y, unsigned state) {
+    XEvent event = {};
+    event.xbutton.type = type;
+    event.xbutton.x = x;
+    event.xbutton.y = y;
+    event.xbutton.state = state;
+    event.xbutton.button = Button1;
+    return event;
+}
+
+} // namespace
+
+void Viewer_test::arm(int x, int y, unsigned state) {
+    XEvent event = button_event(ButtonPress, x, y, state);
+    auto data = button_data(&event, 1);
+    vga_viewer_arm(button, &root, &data);
+}
+
+void Viewer_test::release(int x, int y, int click_count) {
+    XEvent event = button_event(ButtonRelease, x, y, 0);
+    auto data = button_data(&event, click_count);
+    vga_viewer_activate(button, &root, &data);
+    vga_viewer_disarm(button, &root, &data);
+}
+
+void Viewer_test::drag(int y) {
+    XEvent event = {};
+    event.xmotion.type = MotionNotify;
+    event.xmotion.y = y;
+    Boolean go_on = True;
+    vga_viewer_motion(button, &root, &event, &go_on);
+}
+
+void Viewer_test::key(KeySym key, unsigned state) {
+    XEvent event = {};
+    event.xkey.type = KeyPress;
+    event.xkey.display = gvga_display;
+    event.xkey.keycode = XKeysymToKeycode(gvga_display, key);
+    event.xkey.state = state;
+    // A symbol on the key's upper row needs Shift, which then is no modifier of the list's.
+    KeySym plain = NoSymbol;
+    XLookupString(&event.xkey, nullptr, 0, &plain, nullptr);
+    if (plain != key) {
+        event.xkey.state |= ShiftMask;
+    }
+    Boolean go_on = True;
+    vga_viewer_key_input(button, &root, &event, &go_on);
+}
+
+Pixels Viewer_test::look() {
+    XImage* image = XGetImage(gvga_display, XtWindow(button), 0, 0, root.view_width,
+                              root.view_height, AllPlanes, ZPixmap);
+    Pixels seen = {image->width, image->height, {}};
+    seen.pixels.reserve(static_cast<std::size_t>(image->width * image->height));
+    for (int y = 0; y < image->height; ++y) {
+        for (int x = 0; x < image->width; ++x) {
+            seen.pixels.push_back(XGetPixel(image, x, y));
+        }
+    }
+    XDestroyImage(image);
+    return seen;
+}
+
+Pixels Viewer_test::look_afresh() {
+    XClearWindow(gvga_display, XtWindow(button));
+    vga_viewer_redraw_view(&root);
+    return look();
+}
+
+int Viewer_test::row_y(const Row* row) {
+    return static_cast<int>(vga_viewer_position(&row->item) - root.y_offset);
+}
+
+std::vector<int> Viewer_test::selected() {
+    std::vector<int> found;
+    for (std::size_t ii = 0; ii < rows.size(); ++ii) {
+        if (rows[ii]->item.selected) {
+            found.push_back(static_cast<int>(ii));
+        }
+    }
+    return found;
+}

@@ -1,0 +1,231 @@
+// Fonts, icons and metrics, and every way in which they can be missing.
+#include "viewer/fixture.h"
+
+#include "shell/globals.h"
+#include "shell/messages.h"
+#include "shell/resources.h"
+
+#include <X11/Xutil.h>
+#include <Xm/Label.h>
+#include <Xm/Xm.h>
+
+namespace {
+
+class Graphics_test : public testing::Test {
+protected:
+    Widget label = nullptr;
+
+    void SetUp() override {
+        start_graphics();
+        vga_free_graphics();
+        label = XtVaCreateWidget("label", xmLabelWidgetClass, gvga_toplevel, XmNforeground,
+                                 BlackPixelOfScreen(gvga_screen), XmNbackground,
+                                 WhitePixelOfScreen(gvga_screen), nullptr);
+        gvga_exit_code = 0;
+    }
+    void TearDown() override {
+        XtDestroyWidget(label);
+        set({});
+        vga_free_graphics();
+        ASSERT_TRUE(
+            vga_init_graphics(gvga_toplevel, gvga_toplevel)); // for the tests after this one
+    }
+    // The resources of this run.
+    void set(const std::vector<std::pair<const char*, const char*>>& resources) {
+        if (gvga_resource_database != nullptr) {
+            XrmDestroyDatabase(gvga_resource_database);
+        }
+        gvga_resource_database = XrmGetStringDatabase("");
+        for (const auto& [name, value] : resources) {
+            XrmPutStringResource(&gvga_resource_database, name, value);
+        }
+    }
+    // Warnings go to standard error through the toolkit's own handler.
+    template <typename Work> std::string warned(Work work) {
+        testing::internal::CaptureStderr();
+        work();
+        return testing::internal::GetCapturedStderr();
+    }
+    static std::vector<std::string> all_names() {
+        return {std::begin(gvga_pixmap_names), std::end(gvga_pixmap_names)};
+    }
+};
+
+TEST_F(Graphics_test, size_and_its_fallbacks) {
+    make_icon_file("iconsl", "l", all_names());
+    make_icon_file("iconsx", "x", all_names());
+    for (int message : {612, 613}) {
+        static std::string texts[2];
+        texts[message - 612] = "warning " + std::to_string(message);
+        gvga_messages[message] = texts[message - 612].c_str();
+    }
+    const int large = WidthOfScreen(gvga_screen) > 1024;
+    const struct {
+        std::vector<std::pair<const char*, const char*>> resources;
+        int icon;    // size in pixels
+        int warning; // message, 0 for none
+    } cases[] = {
+        {{}, large ? 24 : 16, 0},
+        {{{"Tessaly*size", "big"}}, 24, 0},
+        {{{"Tessaly*size", "small"}}, 16, 0},
+        {{{"Tessaly*size", "huge"}}, large ? 24 : 16, 613},
+        {{{"Tessaly*size", "small"}, {"Tessaly.iconSize", "x"}}, 24, 0},
+        {{{"Tessaly.iconSize", "missing"}}, 16, 612},
+    };
+    for (const auto& test : cases) {
+        set(test.resources);
+        const std::string text = warned([&] { EXPECT_TRUE(vga_init_graphics(label, label)); });
+        EXPECT_EQ(test.icon, gvga_metrics.icon_width);
+        EXPECT_EQ(test.icon, gvga_metrics.icon_height);
+        for (int message : {612, 613}) {
+            EXPECT_EQ(message == test.warning,
+                      text.find("warning " + std::to_string(message)) != std::string::npos)
+                << text;
+        }
+        vga_free_graphics();
+    }
+}
+
+TEST_F(Graphics_test, metrics_follow_from_font_and_icons) {
+    ASSERT_TRUE(vga_init_graphics(label, label));
+    const vga_viewer_metrics& m = gvga_metrics;
+    EXPECT_EQ(6, m.char_width); // of the 13 pixel semicondensed font
+    EXPECT_EQ(13, m.ascent + m.descent);
+    EXPECT_EQ(48, m.indent_width);
+    EXPECT_EQ(9, m.expand_icon_width);
+    EXPECT_EQ(16, m.item_height);
+    EXPECT_EQ((16 - 9) / 2, m.expand_icon_top);
+    EXPECT_EQ(0, m.icon_top);
+    EXPECT_EQ((16 + m.ascent - m.descent) / 2, m.text_baseline);
+    EXPECT_TRUE(m.fixed_width);
+    XGCValues values;
+    const unsigned long mask = GCForeground | GCBackground | GCFunction | GCLineStyle;
+    XGetGCValues(gvga_display, gvga_normal_gc, mask, &values);
+    EXPECT_EQ(BlackPixelOfScreen(gvga_screen), values.foreground);
+    EXPECT_EQ(WhitePixelOfScreen(gvga_screen), values.background);
+    XGetGCValues(gvga_display, gvga_inverted_gc, mask, &values);
+    EXPECT_EQ(WhitePixelOfScreen(gvga_screen), values.foreground);
+    XGetGCValues(gvga_display, gvga_outline_gc, mask, &values);
+    EXPECT_EQ(GXxor, values.function);
+    EXPECT_EQ(gvga_foreground ^ gvga_background, values.foreground);
+    EXPECT_EQ(LineOnOffDash, values.line_style);
+}
+
+TEST_F(Graphics_test, missing_icons_end_the_start) {
+    const std::size_t count = 38; // one of the icons is missing
+    std::vector<std::string> names = all_names();
+    names.erase(names.begin() + count);
+    make_icon_file("iconsfew", "few", names);
+    set({{"Tessaly.iconSize", "few"}});
+    std::string log = warned([&] { EXPECT_FALSE(vga_init_graphics(label, label)); });
+    EXPECT_NE(std::string::npos, log.find("40020007")) << log;
+    EXPECT_EQ(VGA_EXIT_START, gvga_exit_code);
+    vga_free_graphics();
+
+    gvga_exit_code = 0;
+    const std::string path = getenv("UIDPATH");
+    setenv("UIDPATH", "/nowhere/%U", 1);
+    set({});
+    log = warned([&] { EXPECT_FALSE(vga_init_graphics(label, label)); });
+    EXPECT_NE(std::string::npos, log.find("40020006")) << log;
+    EXPECT_EQ(VGA_EXIT_START, gvga_exit_code);
+    setenv("UIDPATH", path.c_str(), 1);
+    gvga_exit_code = 0;
+}
+
+TEST_F(Graphics_test, font_set_is_found_step_by_step) {
+    constexpr char fixed[] = "-misc-fixed-medium-r-semicondensed--13-*";
+    constexpr char taller[] = "-misc-fixed-medium-r-normal--14-*";
+    constexpr char nothing[] = "-no-such-font-*";
+    gvga_messages[1443] = "warning 1443";
+    gvga_messages[1448] = "warning 1448";
+    const char* const message = gvga_messages[609];
+    const struct {
+        const char* resource; // null: not set
+        const char* message;
+        const char* pattern;
+        int height; // 0: no font set
+        const char* warning;
+    } cases[] = {
+        {nullptr, fixed, nothing, 13, nullptr},         {taller, fixed, nothing, 14, nullptr},
+        {nothing, fixed, taller, 13, "warning 1443"},   {nullptr, nothing, taller, 14, nullptr},
+        {nullptr, nothing, nothing, 0, "warning 1448"},
+    };
+    for (const auto& test : cases) {
+        set({});
+        if (test.resource != nullptr) {
+            set({{"Tessaly*fontName", test.resource}});
+        }
+        gvga_messages[609] = test.message;
+        XFontSet found = nullptr;
+        const std::string text =
+            warned([&] { found = vga_load_fixed_fontset("*fontName", test.pattern, 609, label); });
+        ASSERT_EQ(test.height != 0, found != nullptr);
+        if (found != nullptr) {
+            XFontStruct** fonts = nullptr;
+            char** names = nullptr;
+            XFontsOfFontSet(found, &fonts, &names);
+            EXPECT_EQ(test.height, fonts[0]->ascent + fonts[0]->descent);
+        }
+        EXPECT_EQ(test.warning != nullptr, text.find("warning") != std::string::npos) << text;
+        if (test.warning != nullptr) {
+            EXPECT_NE(std::string::npos, text.find(test.warning)) << text;
+        }
+        vga_free_fontset(found);
+    }
+    gvga_messages[609] = message;
+}
+
+TEST_F(Graphics_test, fixed_font_set_of_the_widget_comes_first_and_is_not_ours_to_free) {
+    gvga_messages[609] = "-misc-fixed-medium-r-semicondensed--13-*";
+    const struct {
+        const char* names;
+        bool taken;
+    } cases[] = {
+        {"-misc-fixed-medium-r-normal--14-*", true},
+        {"-adobe-helvetica-medium-r-normal--12-*", false}, // its columns would not line up
+    };
+    for (const auto& test : cases) {
+        char** missing = nullptr;
+        int missing_count = 0;
+        char* fallback = nullptr;
+        XFontSet set =
+            XCreateFontSet(gvga_display, test.names, &missing, &missing_count, &fallback);
+        ASSERT_NE(nullptr, set) << test.names;
+        XmFontListEntry entry = XmFontListEntryCreate(const_cast<char*>(XmFONTLIST_DEFAULT_TAG),
+                                                      XmFONT_IS_FONTSET, set);
+        XmFontList list = XmFontListAppendEntry(nullptr, entry);
+        XtVaSetValues(label, XmNfontList, list, nullptr);
+        XFontSet found = vga_load_fixed_fontset("*fontName", "-no-such-*", 609, label);
+        EXPECT_EQ(test.taken, found == set);
+        vga_free_fontset(found);
+        EXPECT_LT(0, XmbTextEscapement(set, "W", 1)); // still alive
+        XtVaSetValues(label, XmNfontList, nullptr, nullptr);
+        XmFontListFree(list);
+        XFreeFontSet(gvga_display, set);
+    }
+}
+
+TEST_F(Graphics_test, shadows_of_an_icon_are_exchanged) {
+    ASSERT_TRUE(vga_init_graphics(label, label));
+    Pixmap pixmaps[1] = {XCreatePixmap(gvga_display, gvga_root_window, 3, 1,
+                                       static_cast<unsigned>(DefaultDepthOfScreen(gvga_screen)))};
+    const Pixel before[] = {gvga_top_shadow, gvga_bottom_shadow, gvga_foreground};
+    const Pixel after[] = {gvga_bottom_shadow, gvga_top_shadow, gvga_foreground};
+    ASSERT_NE(gvga_top_shadow, gvga_bottom_shadow);
+    GC gc = XCreateGC(gvga_display, pixmaps[0], 0, nullptr);
+    for (int x = 0; x < 3; ++x) {
+        XSetForeground(gvga_display, gc, before[x]);
+        XDrawPoint(gvga_display, pixmaps[0], gc, x, 0);
+    }
+    XFreeGC(gvga_display, gc);
+    vga_swap_shadows(0, pixmaps, gvga_normal_gc);
+    XImage* image = XGetImage(gvga_display, pixmaps[0], 0, 0, 3, 1, AllPlanes, ZPixmap);
+    for (int x = 0; x < 3; ++x) {
+        EXPECT_EQ(after[x], image->f.get_pixel(image, x, 0)) << x;
+    }
+    XDestroyImage(image);
+    XFreePixmap(gvga_display, pixmaps[0]);
+}
+
+} // namespace
