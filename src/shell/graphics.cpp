@@ -97,8 +97,19 @@ void make_gcs() {
     values.line_style = LineOnOffDash;
     values.dashes = 1;
     gvga_outline_gc = make_gc(values, GCForeground | GCFunction | GCLineStyle | GCDashList);
+}
+
+void choose_font() {
     if (gvga_font_set == nullptr) {
         gvga_font = XQueryFont(gvga_display, XGContextFromGC(gvga_normal_gc));
+        return;
+    }
+    XFontStruct** fonts = nullptr;
+    char** names = nullptr;
+    if (XFontsOfFontSet(gvga_font_set, &fonts, &names) == 1 && fonts[0]->max_byte1 == 0) {
+        gvga_font = fonts[0];
+        XSetFont(gvga_display, gvga_normal_gc, gvga_font->fid);
+        XSetFont(gvga_display, gvga_inverted_gc, gvga_font->fid);
     }
 }
 
@@ -237,6 +248,7 @@ bool vga_init_graphics(Widget widget, Widget font_widget) {
     gvga_font_set =
         vga_load_fixed_fontset("*fontName", DEFAULT_FONT, size.font_message, font_widget);
     make_gcs();
+    choose_font();
     if (!load_icons(size)) {
         VGA_FATAL(VGA_EXIT_START, 0);
         return false;
@@ -281,10 +293,10 @@ void vga_free_graphics() {
             *gc = nullptr;
         }
     }
-    if (gvga_font != nullptr) {
+    if (gvga_font != nullptr && gvga_font_set == nullptr) {
         XFreeFontInfo(nullptr, gvga_font, 1);
-        gvga_font = nullptr;
     }
+    gvga_font = nullptr;
     vga_free_fontset(gvga_font_set);
     gvga_font_set = nullptr;
     gvga_metrics = {};

@@ -26,7 +26,9 @@ extern Pixmap gvga_pixmaps[VGA_ICON_COUNT];
 extern Pixmap gvga_inverted_pixmaps[VGA_ICON_COUNT];
 extern GC gvga_normal_gc, gvga_inverted_gc, gvga_outline_gc;
 extern XFontSet gvga_font_set; // null: gvga_font
-extern XFontStruct* gvga_font; // the font of the normal context; null when there is a font set
+// The font of the contexts. With a font set it is the set's only font, which draws ASCII as the set
+// does and faster, or null when there are several.
+extern XFontStruct* gvga_font;
 extern Pixel gvga_background, gvga_foreground, gvga_top_shadow, gvga_bottom_shadow;
 
 // Makes everything above. widget: gives colours and colour map; font_widget: its font list is tried

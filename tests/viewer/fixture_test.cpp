@@ -2,11 +2,11 @@
 
 #include "shell/globals.h"
 #include "shell/messages.h"
+#include "shell/resources.h"
 
 #include <Mrm/MrmPublic.h>
 #include <X11/Xutil.h>
 #include <X11/extensions/XTest.h>
-#include <Xm/MwmUtil.h>
 #include <Xm/ScrollBar.h>
 #include <Xm/ScrolledW.h>
 #include <chrono>
@@ -14,8 +14,6 @@
 #include <cstring>
 #include <filesystem>
 #include <fstream>
-
-// The tests' own tables stand in for those of the program, which would bring every window along.
 
 namespace {
 
@@ -65,18 +63,11 @@ bool alone(const void*) {
     return true;
 }
 
-template <int Action> void window_action(Widget, XtPointer, XtPointer) {
-    static const char* const names[] = {"delete", "properties", "add"};
-    report(names[Action], nullptr);
-}
-
 constexpr auto none = nullptr;
 constexpr VGA_VIEWER_DESC untested = {};
 
-} // namespace
-
 #define COMMON create_text, choose_icon, 1, arm_cb, disarm_cb, act_cb
-extern const VGA_VIEWER_DESC gvga_viewer_desc[VGA_VIEWER_TYPE_COUNT] = {
+constexpr VGA_VIEWER_DESC test_types[VGA_VIEWER_TYPE_COUNT] = {
     {COMMON, none, none, select_cb, 1, 0, 1, none},
     {COMMON, none, none, select_cb, 1, 1, 0, none},
     {create_text, choose_icon, 0, arm_cb, disarm_cb, act_cb, none, none, select_cb, 0, 2, 0, none},
@@ -110,19 +101,8 @@ extern const VGA_VIEWER_DESC gvga_viewer_desc[VGA_VIEWER_TYPE_COUNT] = {
     untested,
     {COMMON, no_drag_cb, none, select_cb, 0, 0, 1, none}, // VGA_VIEWER_LS_R_TITLE
 };
-extern constinit const std::array<VGA_UID_DESC, VGA_UID_MAX + 1> gvga_uid_desc = [] {
-    std::array<VGA_UID_DESC, VGA_UID_MAX + 1> table = {};
-    table[0].delete_items = window_action<0>;
-    table[0].properties = window_action<1>;
-    table[0].add_items = window_action<2>;
-    return table;
-}();
-Widget gvga_modal_firewall_widget;
-NB_LONG gvga_modal_firewall_count;
-void vga_check_modal_dialog_queues() {
-    report("queues", nullptr);
-}
 
+} // namespace
 Viewer_test* Viewer_test::current;
 
 const std::string& scratch_directory() {
@@ -178,6 +158,7 @@ void start_graphics() {
     gvga_toplevel =
         XtVaAppInitialize(&gvga_appcontext, "Tessaly", nullptr, 0, &argc, argv, nullptr, nullptr);
     gvga_display = XtDisplay(gvga_toplevel);
+    XrmPutStringResource(&gvga_resource_database, "Tessaly*size", "small");
     gvga_screen = XtScreen(gvga_toplevel);
     gvga_root_window = RootWindowOfScreen(gvga_screen);
     gvga_messages[602] = gvga_messages[609] = "-misc-fixed-medium-r-semicondensed--13-*";
@@ -192,6 +173,7 @@ void start_graphics() {
 
 void Viewer_test::SetUp() {
     start_graphics();
+    gvga_viewer_types = test_types;
     current = this;
     shell = XtVaAppCreateShell("viewer", "Tessaly", topLevelShellWidgetClass, gvga_display, XmNx, 0,
                                XmNy, 0, XmNallowShellResize, True, XmNinput, True, nullptr);

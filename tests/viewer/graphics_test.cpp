@@ -25,7 +25,7 @@ protected:
     }
     void TearDown() override {
         XtDestroyWidget(label);
-        set({});
+        set({{"Tessaly*size", "small"}});
         vga_free_graphics();
         ASSERT_TRUE(
             vga_init_graphics(gvga_toplevel, gvga_toplevel)); // for the tests after this one
@@ -87,6 +87,7 @@ TEST_F(Graphics_test, size_and_its_fallbacks) {
 }
 
 TEST_F(Graphics_test, metrics_follow_from_font_and_icons) {
+    set({{"Tessaly*size", "small"}});
     ASSERT_TRUE(vga_init_graphics(label, label));
     const vga_viewer_metrics& m = gvga_metrics;
     EXPECT_EQ(6, m.char_width); // of the 13 pixel semicondensed font

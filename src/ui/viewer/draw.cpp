@@ -46,7 +46,10 @@ void draw_text(vga_viewer_root* root, const vga_viewer_text& text, GC gc, int x,
         if (segment.length == 0 || beside_view(root, left, width)) {
             continue;
         }
-        if (gvga_font_set != nullptr) {
+        const bool plain =
+            gvga_font_set == nullptr ||
+            (gvga_font != nullptr && vga_viewer_one_cell_each(segment.text, segment.length));
+        if (!plain) {
             XmbDrawString(display, window, gvga_font_set, gc, left, baseline, segment.text,
                           segment.length);
         } else {

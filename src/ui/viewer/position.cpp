@@ -129,11 +129,13 @@ bool vga_viewer_insert(NTL_AVL_TREE* tree, vga_viewer* viewer, vga_viewer* above
 }
 
 void vga_viewer_remove(NTL_AVL_TREE* tree, vga_viewer* viewer) {
-    const vga_viewer* above = vga_viewer_sibling_above(viewer);
-    const vga_viewer* below = vga_viewer_sibling_below(viewer);
-    settle_around(&viewer->node);
-    settle_around(above != nullptr ? &above->node : nullptr);
-    settle_around(below != nullptr ? &below->node : nullptr);
+    if (viewer->node.left != nullptr && viewer->node.right != nullptr) {
+        // It changes places with one of its neighbours, both of which lie below it in the tree.
+        settle_around(&vga_viewer_sibling_above(viewer)->node);
+        settle_around(&vga_viewer_sibling_below(viewer)->node);
+    } else {
+        settle_around(&viewer->node);
+    }
     ntl_avl_delete(tree, &viewer->node);
 }
 

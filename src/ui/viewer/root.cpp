@@ -33,7 +33,15 @@ const Handler_row button_handlers[] = {
     {KeyPressMask, vga_viewer_key_input},
 };
 
+// A drawn button ignores clicks with Control, which add to a selection here.
+void let_control_clicks_in(Widget draw_widget) {
+    static const XtTranslations translations = XtParseTranslationTable(
+        "Ctrl<Btn1Down>: Arm()\nCtrl<Btn1Up>: Activate() Disarm()");
+    XtOverrideTranslations(draw_widget, translations);
+}
+
 void wire(vga_viewer_root* root) {
+    let_control_clicks_in(root->draw_widget);
     for (const auto& [name, callback] : button_callbacks) {
         XtAddCallback(root->draw_widget, name, callback, root);
     }

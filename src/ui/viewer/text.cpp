@@ -14,17 +14,12 @@ namespace {
 
 constexpr int GREATEST_COLUMN = 10000; // pixels of a column must not overflow
 
-bool every_byte_one_cell(const char* text, int length) {
-    return gvga_metrics.fixed_width &&
-           std::all_of(text, text + length, [](char c) { return (c & 0x80) == 0; });
-}
-
 // Pixels of a text without markers.
 int plain_width(const char* text, int length) {
     if (length <= 0 || gvga_metrics.char_width == 0) {
         return 0;
     }
-    if (every_byte_one_cell(text, length)) {
+    if (vga_viewer_one_cell_each(text, length)) {
         return length * gvga_metrics.char_width;
     }
     if (gvga_font_set != nullptr) {
@@ -34,6 +29,11 @@ int plain_width(const char* text, int length) {
 }
 
 } // namespace
+
+bool vga_viewer_one_cell_each(const char* text, int length) {
+    return gvga_metrics.fixed_width &&
+           std::all_of(text, text + length, [](char c) { return (c & 0x80) == 0; });
+}
 
 void vga_viewer_build_text(const vga_viewer* viewer, vga_viewer_text* text) {
     const auto create_text = vga_viewer_desc(viewer).create_text;
@@ -74,7 +74,7 @@ int vga_viewer_cut_segment(vga_viewer_segment* segment) {
     if (width <= room) {
         return width;
     }
-    if (every_byte_one_cell(segment->text, segment->length)) {
+    if (vga_viewer_one_cell_each(segment->text, segment->length)) {
         segment->length = room / gvga_metrics.char_width;
         return room;
     }

@@ -6,7 +6,7 @@
 #include "ui/viewer/viewer_type.h"
 
 inline const VGA_VIEWER_DESC& vga_viewer_desc(const vga_viewer* viewer) {
-    return gvga_viewer_desc[viewer->type];
+    return gvga_viewer_types[viewer->type];
 }
 // False for headings.
 inline bool vga_viewer_selectable(const vga_viewer* viewer) {
@@ -70,6 +70,8 @@ bool vga_viewer_next_segment(const char** cursor, const char* end, int* column,
                              vga_viewer_segment* segment);
 // Cuts a segment to what fits before the next marker's column. Returns its width in pixels.
 int vga_viewer_cut_segment(vga_viewer_segment* segment);
+// True for ASCII in a fixed-width font: every byte is one character wide.
+bool vga_viewer_one_cell_each(const char* text, int length);
 // Pixels from the start of the text to its end.
 int vga_viewer_text_width(const char* text, int length);
 // Where the row's text starts, from the left edge of the list.

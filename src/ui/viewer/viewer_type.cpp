@@ -119,3 +119,5 @@ const VGA_VIEWER_DESC gvga_viewer_desc[VGA_VIEWER_TYPE_COUNT] = {
     {none, none, 1, none, none, none, none, none, none, 0, 0, 1, none},
 };
 // clang-format on
+
+const VGA_VIEWER_DESC* gvga_viewer_types = gvga_viewer_desc;

@@ -159,3 +159,5 @@ struct VGA_VIEWER_DESC {
     bool (*alone)(const void* record); // the row takes no part in multiple selection by keyboard
 };
 extern const VGA_VIEWER_DESC gvga_viewer_desc[VGA_VIEWER_TYPE_COUNT];
+// The table the viewer reads: gvga_viewer_desc, or one that a test puts in its place.
+extern const VGA_VIEWER_DESC* gvga_viewer_types;
