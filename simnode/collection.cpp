@@ -57,11 +57,17 @@ void erase(Collection& collection, Record& record) {
     collection.records.erase(std::string(record.key));
 }
 
-void clear(Collection& collection) { collection = Collection(); }
+void clear(Collection& collection) {
+    collection = Collection();
+}
 
-std::size_t size(const Collection& collection) { return collection.all.size(); }
+std::size_t size(const Collection& collection) {
+    return collection.all.size();
+}
 
-std::vector<Record*> everything(const Collection& collection) { return records_of(collection.all); }
+std::vector<Record*> everything(const Collection& collection) {
+    return records_of(collection.all);
+}
 
 std::vector<Record*> children(const Collection& collection, std::string_view parent) {
     const auto group = collection.by_parent.find(parent);
@@ -83,7 +89,8 @@ Range start_list(const Collection& collection, const std::string* parent, Start 
     std::string_view order = key;
     if (record != nullptr) {
         order = record->order;
-    } else if (const auto place = collection.departed.find(key); place != collection.departed.end()) {
+    } else if (const auto place = collection.departed.find(key);
+               place != collection.departed.end()) {
         order = place->second;
     }
     auto next = list->lower_bound(order);

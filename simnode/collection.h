@@ -1,5 +1,5 @@
-// The records of one resource kind: found by key, listed in the node's order, as a whole or below one parent, from any
-// place, with the number that remains. All in logarithmic time.
+// The records of one resource kind: found by key, listed in the node's order, as a whole or below
+// one parent, from any place, with the number that remains. All in logarithmic time.
 #pragma once
 
 #include "simnode/text.h"
@@ -23,21 +23,23 @@ struct Record {
 };
 
 // Ordered by Record::order, which the views point into.
-using RecordList = __gnu_pbds::tree<std::string_view, Record*, std::less<std::string_view>,
-                                    __gnu_pbds::rb_tree_tag,
-                                    __gnu_pbds::tree_order_statistics_node_update>;
+using RecordList =
+    __gnu_pbds::tree<std::string_view, Record*, std::less<std::string_view>,
+                     __gnu_pbds::rb_tree_tag, __gnu_pbds::tree_order_statistics_node_update>;
 
 struct Collection {
     std::unordered_map<std::string_view, std::unique_ptr<Record>> records;
     RecordList all;
     std::map<std::string, RecordList, std::less<>> by_parent;
-    // Where records stood that have gone, for kinds whose order is not their key: a list continues from there.
+    // Where records stood that have gone, for kinds whose order is not their key: a list continues
+    // from there.
     std::unordered_map<std::string, std::string> departed;
 };
 
 // Null when no record has this key.
 Record* find(const Collection& collection, std::string_view key);
-// Inserts a record, or replaces the one of its key. The result stays valid until it is erased or replaced.
+// Inserts a record, or replaces the one of its key. The result stays valid until it is erased or
+// replaced.
 Record& put(Collection& collection, Record record);
 void erase(Collection& collection, Record& record);
 void clear(Collection& collection);
@@ -54,7 +56,8 @@ struct Range {
     std::size_t remaining; // from next to end
     bool found;            // Start::at: the key exists
 };
-// Where a listing starts. parent: only records below it; null: all. key is not used for Start::first.
+// Where a listing starts. parent: only records below it; null: all. key is not used for
+// Start::first.
 Range start_list(const Collection& collection, const std::string* parent, Start start,
                  const std::string& key);
 

@@ -13,7 +13,8 @@ void answer_control(Connection& connection, int status, std::string_view text) {
     WIRE_FRAME header{};
     header.kind = WIRE_CONTROL_ANSWER;
     header.request_id = static_cast<NB_ULONG>(status);
-    queue_frame(connection, header, {}, {reinterpret_cast<const NB_BYTE*>(text.data()), text.size()});
+    queue_frame(connection, header, {},
+                {reinterpret_cast<const NB_BYTE*>(text.data()), text.size()});
 }
 
 namespace {
@@ -33,9 +34,10 @@ ControlAnswer fail_verbs(Service& service, Connection&, const Words& words) {
             return failed("not a number: " + words[2 + i]);
         }
     }
-    service.faults.fail.push_back({opcode, static_cast<int>(numbers[0]),
-                                   {static_cast<NB_USHORT>(numbers[1]),
-                                    static_cast<NB_ULONG>(numbers[2])}});
+    service.faults.fail.push_back(
+        {opcode,
+         static_cast<int>(numbers[0]),
+         {static_cast<NB_USHORT>(numbers[1]), static_cast<NB_ULONG>(numbers[2])}});
     return {};
 }
 
@@ -196,9 +198,8 @@ ControlAnswer lose_file(Service& service, Connection&, const Words& words) {
 
 ControlAnswer stop_software(Service& service, Connection&, const Words&) {
     service.world.stopping = true;
-    for_each_operator(service, [](Connection& connection) {
-        send_status(connection, NAP_SYSTEM_STOPPING, 0);
-    });
+    for_each_operator(
+        service, [](Connection& connection) { send_status(connection, NAP_SYSTEM_STOPPING, 0); });
     return {};
 }
 
@@ -210,7 +211,8 @@ ControlAnswer lose_link(Service& service, Connection&, const Words&) {
         block.secondary_rc = NAP_LINK_LOST;
         WIRE_FRAME header{};
         header.kind = WIRE_INDICATION;
-        queue_frame(connection, header, {reinterpret_cast<const NB_BYTE*>(&block), sizeof block}, {});
+        queue_frame(connection, header, {reinterpret_cast<const NB_BYTE*>(&block), sizeof block},
+                    {});
     });
     return {};
 }
@@ -379,8 +381,12 @@ ControlAnswer run_control(Service& service, Connection& issuer, std::string_view
     return failed("unknown command " + words.front() + "; help lists the commands");
 }
 
-ControlAnswer failed(const std::string& reason) { return {1, reason + '\n'}; }
-ControlAnswer usage(const std::string& form) { return {2, "usage: " + form + '\n'}; }
+ControlAnswer failed(const std::string& reason) {
+    return {1, reason + '\n'};
+}
+ControlAnswer usage(const std::string& form) {
+    return {2, "usage: " + form + '\n'};
+}
 
 bool parse_verb(const std::string& text, NB_USHORT& opcode) {
     unsigned long number = 0;

@@ -398,8 +398,7 @@ ControlAnswer change_sessions(Service& service, Connection&, const Words& words)
     if (words.size() == 6) {
         put_ebcdic(cp, sizeof cp, words[5]);
     }
-    set_sessions(service.world, *place.node, *lu, partner, mode, cp,
-                 static_cast<NB_USHORT>(count));
+    set_sessions(service.world, *place.node, *lu, partner, mode, cp, static_cast<NB_USHORT>(count));
     service.world.changed = true;
     return {};
 }

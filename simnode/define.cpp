@@ -13,7 +13,9 @@
 namespace simnode {
 namespace {
 
-bool dependent(const Record& lu) { return lu.as<LU62_ENTRY>().def.nau_address != 0; }
+bool dependent(const Record& lu) {
+    return lu.as<LU62_ENTRY>().def.nau_address != 0;
+}
 
 // The NAU address of a record below a PU; 0: it has none.
 NB_BYTE nau_address(Kind kind, const Record& record) {
@@ -103,7 +105,8 @@ bool already_started(const Record& record, const Record* old) {
                        sizeof(DOWN_LU_DEF)) == 0;
 }
 
-// Whether the resource may be defined so. record: the entry-to-be, old: the one it replaces, null for a new one.
+// Whether the resource may be defined so. record: the entry-to-be, old: the one it replaces, null
+// for a new one.
 Rc check_define(Node& node, const KindRow& row, const Record& record, const Record* old) {
     const bool orphan = !parent_exists(node, row, record);
     switch (row.kind) {
@@ -278,7 +281,8 @@ Rc delete_record(Request& request) {
 
 namespace {
 
-// The LUs of a range verb. Names are made of the base name, without trailing blanks, and a number; longer ones are cut.
+// The LUs of a range verb. Names are made of the base name, without trailing blanks, and a number;
+// longer ones are cut.
 struct LuRange {
     const NB_BYTE* base;
     int base_length;
@@ -293,12 +297,9 @@ LuRange lu_0_to_3_range(const NB_BYTE* base, NB_BYTE first, NB_BYTE last, NB_BYT
     static constexpr NB_BYTE number_given = 0x01;
     static constexpr NB_BYTE hexadecimal = 0x02;
     static constexpr NB_BYTE base_of_six = 0x04;
-    return {base,
-            (flags & (hexadecimal | base_of_six)) != 0 ? 6 : 5,
-            first,
-            last,
-            (flags & number_given) != 0 ? first_number - first : 0,
-            (flags & hexadecimal) != 0};
+    return {
+        base, (flags & (hexadecimal | base_of_six)) != 0 ? 6 : 5,     first,
+        last, (flags & number_given) != 0 ? first_number - first : 0, (flags & hexadecimal) != 0};
 }
 
 LuRange range_of(std::span<const NB_BYTE> block) {
@@ -332,7 +333,8 @@ void name_in_range(const LuRange& range, int address, NB_NAME8E& name) {
                ebcdic_text(range.base, static_cast<std::size_t>(range.base_length)) + number);
 }
 
-// The define block of one LU of a range; the description and the fields behind it lie alike in both verbs.
+// The define block of one LU of a range; the description and the fields behind it lie alike in both
+// verbs.
 Bytes lu_of_range(std::span<const NB_BYTE> block, const LuRange& range, int address) {
     if (vcb_header(block.data())->opcode == NAP_DEFINE_LU_0_TO_3_RANGE) {
         const auto& verb = *reinterpret_cast<const DEFINE_LU_0_TO_3_RANGE*>(block.data());
@@ -410,7 +412,8 @@ Rc delete_lu_range(Request& request) {
 
 namespace {
 
-// The entry of a traced resource: DLCs and link stations share the types 1 and 3 of the verb, their entries do not.
+// The entry of a traced resource: DLCs and link stations share the types 1 and 3 of the verb, their
+// entries do not.
 Rc traced_resource(Node& node, const ADD_DLC_TRACE& verb, DLC_TRACE_ENTRY& entry) {
     static constexpr NB_BYTE dlc = 1;
     static constexpr NB_BYTE ls = 3;
@@ -458,8 +461,8 @@ Rc remove_dlc_trace(Request& request) {
     if (const Rc rc = traced_resource(node, verb, entry); !rc.ok()) {
         return rc;
     }
-    Record* traced = find(node.of(Kind::dlc_trace),
-                          make_key(kind_row(Kind::dlc_trace).key, reinterpret_cast<NB_BYTE*>(&entry)));
+    Record* traced = find(node.of(Kind::dlc_trace), make_key(kind_row(Kind::dlc_trace).key,
+                                                             reinterpret_cast<NB_BYTE*>(&entry)));
     if (traced == nullptr) {
         return RC_UNKNOWN_NAME;
     }

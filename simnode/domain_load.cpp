@@ -310,9 +310,9 @@ void preset_node(Node& node) {
 }
 
 bool load_node(Loader& loader, const toml::table& table) {
-    std::vector<std::string_view> others = {"name",         "active", "configured", "back_level",
-                                            "capabilities", "limits", "settings",   "session",
-                                            "default_mode"};
+    std::vector<std::string_view> others = {"name",       "active",       "configured",
+                                            "back_level", "capabilities", "limits",
+                                            "settings",   "session",      "default_mode"};
     for (const KindRow& row : kind_rows()) {
         others.push_back(row.name);
     }
@@ -337,13 +337,12 @@ bool load_node(Loader& loader, const toml::table& table) {
         return loader.fail(table, "node " + node.name + " has no cp_name");
     }
     if (const auto* capabilities = table["capabilities"].as_table();
-        capabilities != nullptr && !load_struct(loader, *capabilities, node_capability_fields(), {},
-                                                node.capabilities)) {
+        capabilities != nullptr &&
+        !load_struct(loader, *capabilities, node_capability_fields(), {}, node.capabilities)) {
         return false;
     }
     if (const auto* limits = table["limits"].as_table();
-        limits != nullptr &&
-        !load_struct(loader, *limits, node_limit_fields(), {}, node.limits)) {
+        limits != nullptr && !load_struct(loader, *limits, node_limit_fields(), {}, node.limits)) {
         return false;
     }
     if (const auto* settings = table["settings"].as_table();

@@ -18,7 +18,8 @@ bool is_number(const Field& field, std::string_view text) {
            text.find_first_not_of("0123456789") == std::string_view::npos;
 }
 
-// Whether a field is worth a line: it is not all zeros or blanks, and means something for this entry.
+// Whether a field is worth a line: it is not all zeros or blanks, and means something for this
+// entry.
 bool worth_writing(const KindRow* row, const Field& field, const Bytes& bytes) {
     const std::size_t end =
         field.type == FieldType::tail ? bytes.size() : field.offset + std::size_t{field.length};
@@ -42,14 +43,16 @@ bool filled_in(const KindRow* row, const Field& field) {
     if (row == nullptr) { // of the node
         return field.type == FieldType::flag || field.type == FieldType::number;
     }
-    static constexpr std::string_view names[] = {"lu_active", "in_use", "activation", "state",
-                                                 "network_node", "dlur_state", "learned_cp"};
+    static constexpr std::string_view names[] = {
+        "lu_active", "in_use", "activation", "state", "network_node", "dlur_state", "learned_cp"};
     const bool known = std::find(std::begin(names), std::end(names), field.name) != std::end(names);
     // Only DLUR PUs have a DLUR state of their own.
     return known && (row->kind == Kind::dlur_pu || field.name != std::string_view("dlur_state"));
 }
 
-std::string quoted(std::string_view text) { return json_text(text); }
+std::string quoted(std::string_view text) {
+    return json_text(text);
+}
 
 void write_fields(std::string& out, const KindRow* row, std::span<const Field> fields,
                   const Bytes& bytes) {
@@ -59,8 +62,8 @@ void write_fields(std::string& out, const KindRow* row, std::span<const Field> f
             continue;
         }
         const std::string value = field_text(field, bytes);
-        out += std::string(field.name) + " = " +
-               (is_number(field, value) ? value : quoted(value)) + "\n";
+        out += std::string(field.name) + " = " + (is_number(field, value) ? value : quoted(value)) +
+               "\n";
     }
 }
 
@@ -82,7 +85,9 @@ void write_settings(std::string& out, const char* heading, const Settings& setti
     }
 }
 
-const char* yes_no(bool value) { return value ? "true" : "false"; }
+const char* yes_no(bool value) {
+    return value ? "true" : "false";
+}
 
 void write_node(std::string& out, const Node& node) {
     out += "\n[[node]]\nname = " + quoted(node.name) + "\nactive = " + yes_no(node.active) +

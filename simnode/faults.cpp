@@ -60,9 +60,9 @@ void set_entry_length(Bytes& buffer, NB_USHORT length) {
 void queue_answer(Faults& faults, Connection& connection, WIRE_FRAME header, Bytes& block,
                   Bytes& buffer) {
     VCB_HEADER* verb = vcb_header(block.data());
-    const bool applies =
-        faults.damage && (faults.damage->opcode == 0 || faults.damage->opcode == verb->opcode) &&
-        (!concerns_entries(faults.damage->damage) || !buffer.empty());
+    const bool applies = faults.damage &&
+                         (faults.damage->opcode == 0 || faults.damage->opcode == verb->opcode) &&
+                         (!concerns_entries(faults.damage->damage) || !buffer.empty());
     if (!applies) {
         queue_frame(connection, header, block, buffer);
         return;

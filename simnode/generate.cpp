@@ -105,9 +105,11 @@ void add_local_lu(Node& node, unsigned long number) {
 } // namespace
 
 bool parse_counts(std::string_view text, Counts& counts, std::string& error) {
-    const std::pair<std::string_view, unsigned long*> names[] = {
-        {"port", &counts.ports},       {"ls", &counts.link_stations}, {"pu", &counts.pus},
-        {"lu03", &counts.lus_0_to_3}, {"lu62", &counts.local_lus}};
+    const std::pair<std::string_view, unsigned long*> names[] = {{"port", &counts.ports},
+                                                                 {"ls", &counts.link_stations},
+                                                                 {"pu", &counts.pus},
+                                                                 {"lu03", &counts.lus_0_to_3},
+                                                                 {"lu62", &counts.local_lus}};
     while (!text.empty()) {
         const std::string_view item = text.substr(0, text.find(','));
         text.remove_prefix(std::min(text.size(), item.size() + 1));
@@ -120,7 +122,8 @@ bool parse_counts(std::string_view text, Counts& counts, std::string& error) {
             equals == std::string_view::npos ? std::string_view() : item.substr(equals + 1);
         if (count == nullptr || number.find_first_not_of("0123456789") != std::string_view::npos ||
             !parse_number(number, *count) || *count > 9'999'999) {
-            error = "not KIND=COUNT with KIND one of port, ls, pu, lu03, lu62: " + std::string(item);
+            error =
+                "not KIND=COUNT with KIND one of port, ls, pu, lu03, lu62: " + std::string(item);
             return false;
         }
     }
@@ -141,8 +144,7 @@ void generate_domain(Domain& domain, Counts counts) {
 
     counts.pus = std::max(counts.pus, (counts.lus_0_to_3 + LUS_PER_PU - 1) / LUS_PER_PU);
     counts.link_stations = std::max(counts.link_stations, counts.pus);
-    counts.ports =
-        std::max(counts.ports, (counts.link_stations + LS_PER_PORT - 1) / LS_PER_PORT);
+    counts.ports = std::max(counts.ports, (counts.link_stations + LS_PER_PORT - 1) / LS_PER_PORT);
     if (counts.ports != 0) {
         add_dlc(node);
     }

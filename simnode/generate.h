@@ -15,8 +15,8 @@ struct Counts {
 
 // Reads "lu03=100000,pu=400,ls=400,port=4,lu62=50". False with a reason for anything else.
 bool parse_counts(std::string_view text, Counts& counts, std::string& error);
-// One active node with that many resources. Whatever they need beyond the counts is added: a PU for every 254 LUs, a link
-// station for every PU, a port for every 4096 link stations.
+// One active node with that many resources. Whatever they need beyond the counts is added: a PU for
+// every 254 LUs, a link station for every PU, a port for every 4096 link stations.
 void generate_domain(Domain& domain, Counts counts);
 
 } // namespace simnode

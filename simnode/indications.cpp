@@ -15,7 +15,8 @@ template <typename T> struct Draft {
     T& block = *reinterpret_cast<T*>(bytes.data());
 };
 
-// Completes the header and queues the block. Byte 12 of every resource indication says that some were lost.
+// Completes the header and queues the block. Byte 12 of every resource indication says that some
+// were lost.
 void queue(World& world, Node* node, NB_USHORT opcode, Bytes bytes, bool resource = true) {
     VCB_HEADER* header = vcb_header(bytes.data());
     header->opcode = opcode;
@@ -222,8 +223,8 @@ void indicate_server(World& world, const Node& node, bool up) {
     draft.block.status = up;
     const auto& servers = world.domain.servers;
     if (std::find(servers.begin(), servers.end(), node.name) != servers.end()) {
-        draft.block.flags = configuration_server |
-                            (node.name == world.domain.local_server ? this_machine : backup);
+        draft.block.flags =
+            configuration_server | (node.name == world.domain.local_server ? this_machine : backup);
     }
     put_text(draft.block.server_name, sizeof draft.block.server_name, node.name);
     queue(world, nullptr, NAP_SERVER_INDICATION, std::move(draft.bytes), false);

@@ -50,20 +50,27 @@ struct NamedVerb {
 };
 
 constexpr NamedVerb named_verbs[] = {
-    {NAP_START_DLC, 12, 8, false},         {NAP_START_PORT, 12, 8, false},
-    {NAP_START_LS, 12, 8, false},          {NAP_STOP_DLC, 13, 8, false},
-    {NAP_STOP_PORT, 13, 8, false},         {NAP_STOP_LS, 13, 8, false},
-    {NAP_START_INTERNAL_PU, 12, 8, true},  {NAP_STOP_INTERNAL_PU, 12, 8, true},
-    {NAP_ACTIVATE_SESSION, 12, 8, true},   {NAP_DEACTIVATE_SESSION, 12, 8, true},
-    {NAP_CONNECT_NODE, 13, 128, false},    {NAP_QUERY_NODE_ALL, 38, 128, false},
-    {NAP_DEFINE_LU_0_TO_3_RANGE, 12, 6, true}, {NAP_DEFINE_DOWNSTREAM_LU_RANGE, 12, 5, true},
+    {NAP_START_DLC, 12, 8, false},
+    {NAP_START_PORT, 12, 8, false},
+    {NAP_START_LS, 12, 8, false},
+    {NAP_STOP_DLC, 13, 8, false},
+    {NAP_STOP_PORT, 13, 8, false},
+    {NAP_STOP_LS, 13, 8, false},
+    {NAP_START_INTERNAL_PU, 12, 8, true},
+    {NAP_STOP_INTERNAL_PU, 12, 8, true},
+    {NAP_ACTIVATE_SESSION, 12, 8, true},
+    {NAP_DEACTIVATE_SESSION, 12, 8, true},
+    {NAP_CONNECT_NODE, 13, 128, false},
+    {NAP_QUERY_NODE_ALL, 38, 128, false},
+    {NAP_DEFINE_LU_0_TO_3_RANGE, 12, 6, true},
+    {NAP_DEFINE_DOWNSTREAM_LU_RANGE, 12, 5, true},
 };
 
 std::string name_in_block(std::span<const NB_BYTE> block) {
     const NB_USHORT opcode = vcb_header(block.data())->opcode;
     if (const KindRow* row = kind_of_define(opcode)) {
-        const Key defined = {{{row->copies.empty() ? NB_USHORT{0} : row->copies.front().block,
-                               row->key[0].length}}};
+        const Key defined = {
+            {{row->copies.empty() ? NB_USHORT{0} : row->copies.front().block, row->key[0].length}}};
         return key_text(*row, defined, block);
     }
     if (const KindRow* row = kind_of_remove(opcode)) {

@@ -1,4 +1,5 @@
-// The verbs received, for tests and for looking over an operator's shoulder: one JSON object a line.
+// The verbs received, for tests and for looking over an operator's shoulder: one JSON object a
+// line.
 #pragma once
 
 #include "simnode/request.h"

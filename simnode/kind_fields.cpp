@@ -54,10 +54,14 @@ constexpr Choice dlur_states[] = {{"reset", NOF_DLUR_RESET},
 
 constexpr Choice dspu_services[] = {{"none", 0}, {"concentration", 1}, {"dlur", 2}};
 
-constexpr Choice lu_models[] = {{"unknown", NOF_LU_UNKNOWN}, {"display-2", 2},
-                                {"display-3", 3},            {"display-4", 4},
-                                {"display-5", 5},            {"rje", NOF_LU_RJE},
-                                {"printer", NOF_LU_PRINTER}, {"scs-printer", NOF_LU_SCS_PRINTER}};
+constexpr Choice lu_models[] = {{"unknown", NOF_LU_UNKNOWN},
+                                {"display-2", 2},
+                                {"display-3", 3},
+                                {"display-4", 4},
+                                {"display-5", 5},
+                                {"rje", NOF_LU_RJE},
+                                {"printer", NOF_LU_PRINTER},
+                                {"scs-printer", NOF_LU_SCS_PRINTER}};
 
 constexpr Choice applications[] = {{"none", NAP_NO_APPLICATION},
                                    {"named", NAP_LUA_APPLICATION},
@@ -175,8 +179,16 @@ constexpr Field lu_0_to_3[] = {
     {"application", choice, AT(LU03_ENTRY, det_data.app_type), applications},
     {"program", ebcdic, APPLICATION(LU03_NAMED_APPLICATION, name), {}, NAP_LUA_APPLICATION},
     {"user", local, APPLICATION(LU03_EMULATOR_USER, user_name), {}, NAP_FMI_APPLICATION},
-    {"user_fallback", local, APPLICATION(LU03_EMULATOR_USER, fallback_name), {}, NAP_FMI_APPLICATION},
-    {"session_kind", number, APPLICATION(LU03_EMULATOR_USER, session_kind), {}, NAP_FMI_APPLICATION},
+    {"user_fallback",
+     local,
+     APPLICATION(LU03_EMULATOR_USER, fallback_name),
+     {},
+     NAP_FMI_APPLICATION},
+    {"session_kind",
+     number,
+     APPLICATION(LU03_EMULATOR_USER, session_kind),
+     {},
+     NAP_FMI_APPLICATION},
     {"computer", text, APPLICATION(LU03_EMULATOR_USER, node_name), {}, NAP_FMI_APPLICATION},
     {"client_port", number, APPLICATION(LU03_TN_CLIENT, port), {}, NAP_TN_APPLICATION},
     {"address_form", number, APPLICATION(LU03_TN_CLIENT, address_form), {}, NAP_TN_APPLICATION},
@@ -297,20 +309,14 @@ constexpr Field dlc_trace[] = {
 
 // By kind.
 constexpr std::span<const Field> fields[] = {
-    dlc,
-    port,
-    ls,
-    pu,
+    dlc,       port,
+    ls,        pu,
     pu, // DLUR
     pu, // downstream
-    lu_0_to_3,
-    downstream_lu,
-    local_lu,
-    partner,
-    mode,
-    mode_definition,
-    directory,
-    partner_definition,
+    lu_0_to_3, downstream_lu,
+    local_lu,  partner,
+    mode,      mode_definition,
+    directory, partner_definition,
     cos,
     cos_row, // of nodes
     cos_row, // of TGs
@@ -320,6 +326,8 @@ static_assert(std::size(fields) == KIND_COUNT);
 
 } // namespace
 
-std::span<const Field> fields_of(Kind kind) { return fields[static_cast<std::size_t>(kind)]; }
+std::span<const Field> fields_of(Kind kind) {
+    return fields[static_cast<std::size_t>(kind)];
+}
 
 } // namespace simnode

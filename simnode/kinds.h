@@ -1,4 +1,5 @@
-// The kinds of resource: one row each, from which queries, defines, deletes, domain files and the control commands work.
+// The kinds of resource: one row each, from which queries, defines, deletes, domain files and the
+// control commands work.
 #pragma once
 
 #include "simnode/collection.h"
@@ -30,7 +31,9 @@ enum class Kind : NB_BYTE {
     count
 };
 inline constexpr std::size_t KIND_COUNT = static_cast<std::size_t>(Kind::count);
-constexpr NB_ULONG kind_bit(Kind kind) { return 1u << static_cast<unsigned>(kind); }
+constexpr NB_ULONG kind_bit(Kind kind) {
+    return 1u << static_cast<unsigned>(kind);
+}
 
 // Bytes of a block or entry that belong to a key. A number is a 16-bit field in host order.
 struct Piece {
@@ -47,8 +50,8 @@ struct Copy {
     NB_USHORT length;
 };
 
-// Specific data behind the fixed part of a define block and of an entry; its length is the sum of two 16-bit fields of
-// the block, rounded up to 4 bytes in the entry.
+// Specific data behind the fixed part of a define block and of an entry; its length is the sum of
+// two 16-bit fields of the block, rounded up to 4 bytes in the entry.
 struct Tail {
     NB_USHORT block = 0;
     NB_USHORT length1 = 0; // offsets in the block
@@ -56,10 +59,10 @@ struct Tail {
 };
 
 enum class FieldType : NB_BYTE {
-    ebcdic, // name padded with EBCDIC blanks
-    local,  // name padded with local blanks
-    text,   // NUL-terminated
-    number, // 1, 2 or 4 bytes in host order
+    ebcdic,  // name padded with EBCDIC blanks
+    local,   // name padded with local blanks
+    text,    // NUL-terminated
+    number,  // 1, 2 or 4 bytes in host order
     node_id, // 4 bytes, as hexadecimal digits
     hex,
     choice,
@@ -89,7 +92,8 @@ struct KindRow {
     NB_USHORT query{};
     Key query_key{};      // in the query block; an owner's name comes first
     Key key{};            // in the entry
-    Piece query_parent{}; // in the query block: the list is limited to this parent, unless it is blank
+    Piece query_parent{}; // in the query block: the list is limited to this parent, unless it is
+                          // blank
     Piece parent{};       // in the entry
     NB_ULONG parents{};   // kinds of the record that carries the parent's name
     bool owned{};         // the entry does not name the parent; the key begins with its name
@@ -115,7 +119,8 @@ std::string make_key(const Key& key, const NB_BYTE* block);
 std::string parent_name(const Piece& piece, const NB_BYTE* block);
 // The name that children of a record carry.
 std::string name_for_children(const Record& record);
-// A record of an entry, with its key, order and parent. owner: for owned kinds the name of its owner.
+// A record of an entry, with its key, order and parent. owner: for owned kinds the name of its
+// owner.
 Record make_record(const KindRow& row, Bytes entry, const std::string& owner = {});
 
 // The length of the specific data that a define block announces.
@@ -125,12 +130,13 @@ Bytes entry_of_define(const KindRow& row, std::span<const NB_BYTE> block, const 
 // The reverse: the define block, header included, that makes such an entry.
 Bytes define_of_entry(const KindRow& row, const Bytes& entry);
 
-// The value of a field as text, and the reverse; false with a reason when the text does not fit the field. A name of zeros
-// is an empty text, one of blanks a single blank.
+// The value of a field as text, and the reverse; false with a reason when the text does not fit the
+// field. A name of zeros is an empty text, one of blanks a single blank.
 std::string field_text(const Field& field, const Bytes& entry);
 bool set_field(const Field& field, Bytes& entry, std::string_view text, std::string& error);
 const Field* field_named(const KindRow& row, std::string_view name);
-// The record's name as the operator writes it: the first key field, with owner and further keys after blanks.
+// The record's name as the operator writes it: the first key field, with owner and further keys
+// after blanks.
 std::string display_name(const KindRow& row, const Record& record);
 
 } // namespace simnode

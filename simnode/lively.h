@@ -1,4 +1,5 @@
-// The lively mode: sessions come and go, and a link fails now and then, so that a demonstration has something to show.
+// The lively mode: sessions come and go, and a link fails now and then, so that a demonstration has
+// something to show.
 #pragma once
 
 #include "simnode/world.h"

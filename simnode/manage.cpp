@@ -221,7 +221,8 @@ Record& partner_of(World& world, Node& node, const Record& lu, const NB_FQNAME& 
         entry.cp_known = NAP_YES;
         std::memcpy(entry.cp_name, cp, sizeof cp);
     }
-    if (const Record* definition = find(node.of(Kind::partner_definition), raw(name, sizeof name))) {
+    if (const Record* definition =
+            find(node.of(Kind::partner_definition), raw(name, sizeof name))) {
         std::memcpy(entry.plu_alias, definition->as<PLU_DEF_ENTRY>().def.plu_alias, 8);
     }
     Record& partner = store(node, kind_row(Kind::partner), std::move(bytes), lu.key);

@@ -1,5 +1,5 @@
-// The state changes behind the start and stop verbs, with their cascades and indications. Also used by the control
-// commands and the lively mode.
+// The state changes behind the start and stop verbs, with their cascades and indications. Also used
+// by the control commands and the lively mode.
 #pragma once
 
 #include "simnode/world.h"
@@ -15,15 +15,16 @@ void activate_dlc(World& world, Node& node, Record& dlc);
 void activate_port(World& world, Node& node, Record& port);
 // Its link stations go down with it.
 void deactivate_port(World& world, Node& node, Record& port);
-// The PU and its LUs come up with the link station and go down with it. An implicit link station disappears. failed: it
-// stays enabled, in the failed state. disable: it is no longer enabled for activation.
+// The PU and its LUs come up with the link station and go down with it. An implicit link station
+// disappears. failed: it stays enabled, in the failed state. disable: it is no longer enabled for
+// activation.
 void activate_ls(World& world, Node& node, Record& ls);
 void deactivate_ls(World& world, Node& node, Record& ls, bool failed, bool disable);
 void activate_pu(World& world, Node& node, Kind kind, Record& pu);
 void deactivate_pu(World& world, Node& node, Kind kind, Record& pu);
 
-// Sessions between a local LU and a partner for a mode: sets their number. Creates and removes the records of partner and
-// mode as needed. cp: the partner's control point, blank when unknown.
+// Sessions between a local LU and a partner for a mode: sets their number. Creates and removes the
+// records of partner and mode as needed. cp: the partner's control point, blank when unknown.
 void set_sessions(World& world, Node& node, const Record& lu, const NB_FQNAME& partner,
                   const NB_NAME8E& mode, const NB_FQNAME& cp, NB_USHORT count);
 // Ends the sessions with every partner of a control point.

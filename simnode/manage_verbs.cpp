@@ -1,4 +1,5 @@
-// Start and stop verbs, and the verbs of LU-LU sessions: what they refuse, and which change they make.
+// Start and stop verbs, and the verbs of LU-LU sessions: what they refuse, and which change they
+// make.
 #include "simnode/indications.h"
 #include "simnode/manage.h"
 #include "simnode/request.h"
@@ -202,8 +203,7 @@ Record* session_lu(Node& node, const NB_NAME8E& name, const NB_NAME8L& alias) {
     if (!is_blank(name, sizeof name)) {
         return find_name8(node, Kind::local_lu, name);
     }
-    const NB_NAME8L& wanted =
-        is_blank(alias, sizeof alias) ? node.parameters.cp_alias : alias;
+    const NB_NAME8L& wanted = is_blank(alias, sizeof alias) ? node.parameters.cp_alias : alias;
     for (Record* lu : everything(node.of(Kind::local_lu))) {
         if (std::memcmp(lu->as<LU62_ENTRY>().def.lu_alias, wanted, sizeof wanted) == 0) {
             return lu;

@@ -51,17 +51,35 @@ constexpr Field limits[] = {
 };
 
 constexpr const char* settings[] = {
-    "defaults",  "trace_type", "cs_trace",      "back_level_cs_trace", "tn_server_trace",
-    "slp_trace", "tn3270_defaults", "ssl_ldap", "slp",                 "express_logon",
-    "appcip_defaults", "central_logging", "global_log_type",
+    "defaults",
+    "trace_type",
+    "cs_trace",
+    "back_level_cs_trace",
+    "tn_server_trace",
+    "slp_trace",
+    "tn3270_defaults",
+    "ssl_ldap",
+    "slp",
+    "express_logon",
+    "appcip_defaults",
+    "central_logging",
+    "global_log_type",
 };
 static_assert(std::size(settings) == SETTING_COUNT);
 
 } // namespace
 
-std::span<const Field> node_parameter_fields() { return parameters; }
-std::span<const Field> node_capability_fields() { return capabilities; }
-std::span<const Field> node_limit_fields() { return limits; }
-std::span<const char* const> setting_names() { return settings; }
+std::span<const Field> node_parameter_fields() {
+    return parameters;
+}
+std::span<const Field> node_capability_fields() {
+    return capabilities;
+}
+std::span<const Field> node_limit_fields() {
+    return limits;
+}
+std::span<const char* const> setting_names() {
+    return settings;
+}
 
 } // namespace simnode

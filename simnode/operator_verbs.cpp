@@ -19,7 +19,8 @@ NB_HANDLE new_handle(Operator& op, Target target) {
 
 Rc connect_node(Request& request) {
     auto& verb = request.as<CONNECT_NODE>();
-    Node* node = node_named(request.world.domain, local_text(verb.node_name, sizeof verb.node_name));
+    Node* node =
+        node_named(request.world.domain, local_text(verb.node_name, sizeof verb.node_name));
     if (node == nullptr || node->gone) {
         return RC_UNKNOWN_NAME;
     }
@@ -66,8 +67,7 @@ Rc open_file(Request& request) {
         if (request.target.kind != TargetKind::node) {
             return RC_TARGET_GONE;
         }
-        verb.file_handle =
-            new_handle(request.op, {TargetKind::tp_load_file, request.target.node});
+        verb.file_handle = new_handle(request.op, {TargetKind::tp_load_file, request.target.node});
         return {};
     default:
         return RC_BAD_VALUE;
@@ -97,10 +97,10 @@ Rc register_sink(Request& request) {
 
 Rc define_node(Request& request) {
     const auto& verb = request.as<DEFINE_NODE>();
-    Node* node = request.target.kind == TargetKind::node
-                     ? request.target.node
-                     : node_named(request.world.domain,
-                                  local_text(verb.node_name, sizeof verb.node_name));
+    Node* node =
+        request.target.kind == TargetKind::node
+            ? request.target.node
+            : node_named(request.world.domain, local_text(verb.node_name, sizeof verb.node_name));
     if (node == nullptr) {
         return RC_UNKNOWN_NAME;
     }

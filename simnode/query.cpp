@@ -26,9 +26,9 @@ bool list_start(const LIST_QUERY& list, Start& start) {
     }
 }
 
-// Fills the buffer with whole entries from a range: at most the count asked for (0: any), as many as fit.
-template <typename Next>
-Rc fill_page(Request& request, std::size_t remaining, Next next) {
+// Fills the buffer with whole entries from a range: at most the count asked for (0: any), as many
+// as fit.
+template <typename Next> Rc fill_page(Request& request, std::size_t remaining, Next next) {
     auto& list = request.as<LIST_QUERY>();
     const std::size_t asked = list.num_entries == 0 ? 0xFFFF : list.num_entries;
     const std::size_t capacity = std::min(request.capacity, list.buffer_size);
@@ -50,7 +50,8 @@ Rc fill_page(Request& request, std::size_t remaining, Next next) {
     return {};
 }
 
-// Sessions of a dependent LU that is not in session, and of a node that does not run, cannot be listed.
+// Sessions of a dependent LU that is not in session, and of a node that does not run, cannot be
+// listed.
 bool nothing_to_list(const Node& node, Kind kind, const std::string* parent) {
     if (kind != Kind::partner && kind != Kind::mode) {
         return false;

@@ -67,7 +67,8 @@ struct VerbRow {
 // Null for an opcode that is no verb.
 const VerbRow* find_verb(NB_USHORT opcode);
 
-// Checks the block, carries the verb out and sets its return codes. Events it leaves are in the world.
+// Checks the block, carries the verb out and sets its return codes. Events it leaves are in the
+// world.
 Rc run_verb(Request& request);
 
 // Handlers, by subject.

@@ -134,7 +134,8 @@ void copy_to_others(Service& service, const Request& request, Effect effect) {
     });
 }
 
-// Carries out a verb and tells whoever has to know, its issuer excepted. answer: sends the issuer's.
+// Carries out a verb and tells whoever has to know, its issuer excepted. answer: sends the
+// issuer's.
 template <typename Answer> Rc perform(Service& service, Request& request, Answer answer) {
     const NB_USHORT opcode = vcb_header(request.block.data())->opcode;
     const std::optional<Rc> failure = next_failure(service.faults, opcode);
@@ -317,7 +318,9 @@ bool listen_at(Service& service, const std::string& path, std::string& error) {
     return true;
 }
 
-void watch(Service& service, int fd) { control_epoll(service, EPOLL_CTL_ADD, fd, EPOLLIN); }
+void watch(Service& service, int fd) {
+    control_epoll(service, EPOLL_CTL_ADD, fd, EPOLLIN);
+}
 
 Connection& adopt(Service& service, int fd) {
     auto owned = std::make_unique<Connection>();
@@ -386,7 +389,8 @@ void send_status(Connection& connection, NB_ULONG status, NB_HANDLE handle) {
     block.header.primary_rc = NAP_INDICATION;
     block.status = status;
     block.handle = handle;
-    // It comes without registration; the correlator is that of one that concerns the handle, or the whole domain.
+    // It comes without registration; the correlator is that of one that concerns the handle, or the
+    // whole domain.
     Sink sink{handle, NAP_NOF_STATUS_INDICATION, 0};
     for (const Sink& known : connection.op.sinks) {
         if (known.handle == handle || (sink.correlator == 0 && known.handle == 0)) {

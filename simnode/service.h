@@ -12,13 +12,13 @@ struct Service {
     Faults faults;
     std::map<int, std::unique_ptr<Connection>> connections; // by descriptor
     std::vector<NB_ULONG> idle_waiters; // operators that asked when everything is answered
-    Operator script; // the operator that control commands act as
+    Operator script;                    // the operator that control commands act as
     NB_ULONG last_operator_id = 0;
     bool all_read_only = false; // whoever connects may only read
     int epoll_fd = -1;
     int listen_fd = -1;
-    int exit_fd = -1;     // the service ends when this one reads its end; -1: none
-    int signal_fd = -1;   // the service ends when this one becomes readable; -1: none
+    int exit_fd = -1;   // the service ends when this one reads its end; -1: none
+    int signal_fd = -1; // the service ends when this one becomes readable; -1: none
     std::string socket_path;
     std::string state_path; // empty: changes are not kept
     Clock::time_point next_save{};
@@ -33,24 +33,27 @@ struct Service {
     Service& operator=(const Service&) = delete;
 };
 
-// Listens on a socket path; false with a reason when that cannot be. A path left over by a service that has died is
-// taken over.
+// Listens on a socket path; false with a reason when that cannot be. A path left over by a service
+// that has died is taken over.
 bool listen_at(Service& service, const std::string& path, std::string& error);
 // Watches a further descriptor whose input ends the service.
 void watch(Service& service, int fd);
 // Serves a connected socket, which belongs to the service from now on.
 Connection& adopt(Service& service, int fd);
 
-// One turn of the loop: waits at most timeout_ms (-1: until something happens) and handles what came.
+// One turn of the loop: waits at most timeout_ms (-1: until something happens) and handles what
+// came.
 void step(Service& service, int timeout_ms);
 // Turns until the service is told to end.
 void run(Service& service);
 
-// Carries out a verb as another operator would, on a node (null: a verb of the domain); all operators learn of it.
+// Carries out a verb as another operator would, on a node (null: a verb of the domain); all
+// operators learn of it.
 Rc act(Service& service, Node* node, Bytes block);
 // Sends what the world's changes left to tell.
 void send_events(Service& service);
-// Sends the node software status indication for one of an operator's handles (0: of no particular one).
+// Sends the node software status indication for one of an operator's handles (0: of no particular
+// one).
 void send_status(Connection& connection, NB_ULONG status, NB_HANDLE handle);
 // Sends answers that are due; with released, the held ones as well.
 void send_late_answers(Service& service, bool released);

@@ -34,12 +34,17 @@ constexpr char usage_text[] =
     "                       [--exit-with-fd N]\n";
 
 constexpr option long_options[] = {
-    {"socket", required_argument, nullptr, 's'},   {"domain", required_argument, nullptr, 'd'},
-    {"state", required_argument, nullptr, 't'},    {"generate", required_argument, nullptr, 'g'},
-    {"lively", no_argument, nullptr, 'l'},         {"journal", required_argument, nullptr, 'j'},
-    {"ready-fd", required_argument, nullptr, 'r'}, {"exit-with-fd", required_argument, nullptr, 'x'},
+    {"socket", required_argument, nullptr, 's'},
+    {"domain", required_argument, nullptr, 'd'},
+    {"state", required_argument, nullptr, 't'},
+    {"generate", required_argument, nullptr, 'g'},
+    {"lively", no_argument, nullptr, 'l'},
+    {"journal", required_argument, nullptr, 'j'},
+    {"ready-fd", required_argument, nullptr, 'r'},
+    {"exit-with-fd", required_argument, nullptr, 'x'},
     {"read-only-uid", required_argument, nullptr, 'u'},
-    {"help", no_argument, nullptr, 'h'},           {},
+    {"help", no_argument, nullptr, 'h'},
+    {},
 };
 
 // Status 0 for --help, 2 for a bad command line; -1: go on.
@@ -71,7 +76,8 @@ int parse_options(int argc, char** argv, Options& options) {
             options.exit_fd = std::atoi(optarg);
             break;
         case 'u':
-            options.read_only_uids.push_back(static_cast<NB_ULONG>(std::strtoul(optarg, nullptr, 10)));
+            options.read_only_uids.push_back(
+                static_cast<NB_ULONG>(std::strtoul(optarg, nullptr, 10)));
             break;
         case 'h':
             std::fputs(usage_text, stdout);
@@ -88,7 +94,8 @@ int parse_options(int argc, char** argv, Options& options) {
     return -1;
 }
 
-// The example domain: as TESSALY_DOMAIN says, or where the build or the installation has put it, seen from the program.
+// The example domain: as TESSALY_DOMAIN says, or where the build or the installation has put it,
+// seen from the program.
 std::string example_domain() {
     if (const char* variable = std::getenv("TESSALY_DOMAIN")) {
         return variable;

@@ -80,8 +80,8 @@ void add_default_specific(const KindRow& row, Bytes& bytes) {
         bytes.resize(row.entry_size + (def.port_data_length + def.link_data_length + 3u) / 4 * 4);
     } else {
         auto& ls = *reinterpret_cast<LS_ENTRY*>(data);
-        const std::size_t length =
-            std::max({given, std::size_t{ls.def.specific_length}, default_ls_specific(ls.det.dlc_type)});
+        const std::size_t length = std::max(
+            {given, std::size_t{ls.def.specific_length}, default_ls_specific(ls.det.dlc_type)});
         ls.def.specific_length = static_cast<NB_USHORT>(length);
         bytes.resize(row.entry_size + (length + 3) / 4 * 4);
     }

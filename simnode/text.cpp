@@ -25,7 +25,7 @@ std::string ebcdic_text(const NB_BYTE* field, std::size_t length) {
 
 void put_local(void* field, std::size_t length, std::string_view text) {
     std::memset(field, ' ', length);
-    std::memcpy(field, text.data(), std::min(length, text.size()));
+    text.copy(static_cast<char*>(field), length);
 }
 
 void put_ebcdic(NB_BYTE* field, std::size_t length, std::string_view text) {
@@ -35,7 +35,7 @@ void put_ebcdic(NB_BYTE* field, std::size_t length, std::string_view text) {
 
 void put_text(char* field, std::size_t length, std::string_view text) {
     std::memset(field, 0, length);
-    std::memcpy(field, text.data(), std::min(length - 1, text.size()));
+    text.copy(field, length - 1);
 }
 
 bool is_blank(const void* field, std::size_t length) {

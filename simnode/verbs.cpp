@@ -140,9 +140,12 @@ constexpr VerbRow table[] = {
     {NAP_QUERY_IPBRIDGE_APPCIP, query_empty_list, node, READS},
 };
 static_assert(std::is_sorted(std::begin(table), std::end(table),
-                             [](const VerbRow& a, const VerbRow& b) { return a.opcode < b.opcode; }));
+                             [](const VerbRow& a, const VerbRow& b) {
+                                 return a.opcode < b.opcode;
+                             }));
 
-// Whether the verb's target serves it. Definitions that go to the configuration file concern the local node.
+// Whether the verb's target serves it. Definitions that go to the configuration file concern the
+// local node.
 Rc resolve_target(Request& request, Scope scope) {
     Target& target = request.target;
     switch (scope) {

@@ -37,8 +37,9 @@ Record* find_any_pu(Node& node, std::string_view name) {
 
 namespace {
 
-// Directory lists go from the top down: a control point, then its LUs, then the end nodes it serves, each with its LUs.
-// Parts: the name at the top, the end node below it (zero: none), 0 for the control point itself, then the LU.
+// Directory lists go from the top down: a control point, then its LUs, then the end nodes it
+// serves, each with its LUs. Parts: the name at the top, the end node below it (zero: none), 0 for
+// the control point itself, then the LU.
 std::string directory_order(const Node& node, const Record& record) {
     const auto& entry = record.as<DIRECTORY_ENTRY>();
     const std::string none(sizeof(NB_FQNAME), '\0');
@@ -199,9 +200,12 @@ struct StandardCos {
 };
 
 constexpr StandardCos standard_cos[] = {
-    {"#CONNECT", "Default class of service", 1}, {"CPSVCMG", "Control point sessions", 3},
-    {"SNASVCMG", "Session services", 3},         {"#INTER", "Interactive", 2},
-    {"#INTERSC", "Interactive, secure", 2},      {"#BATCH", "Batch", 0},
+    {"#CONNECT", "Default class of service", 1},
+    {"CPSVCMG", "Control point sessions", 3},
+    {"SNASVCMG", "Session services", 3},
+    {"#INTER", "Interactive", 2},
+    {"#INTERSC", "Interactive, secure", 2},
+    {"#BATCH", "Batch", 0},
     {"#BATCHSC", "Batch, secure", 0},
 };
 

@@ -1,5 +1,5 @@
-// What the service simulates: the domain, its nodes with their resources and settings, and the events that changes leave
-// to be sent.
+// What the service simulates: the domain, its nodes with their resources and settings, and the
+// events that changes leave to be sent.
 #pragma once
 
 #include "nof/node.h"
@@ -80,18 +80,21 @@ Record* find_name8(Node& node, Kind kind, const NB_BYTE* name);
 // A local or DLUR PU.
 Record* find_pu(Node& node, const NB_BYTE* name);
 Record* find_any_pu(Node& node, std::string_view name);
-// Puts an entry into its collection: key, order and parent are worked out, an entry of the same key is replaced.
+// Puts an entry into its collection: key, order and parent are worked out, an entry of the same key
+// is replaced.
 Record& store(Node& node, const KindRow& row, Bytes entry, const std::string& owner = {});
 // Takes a record out with everything below it.
 void remove_record(Node& node, Kind kind, Record& record);
 
-// The PU that a link station's definition asks for, as a record of its kind; also takes away one it no longer asks for.
+// The PU that a link station's definition asks for, as a record of its kind; also takes away one it
+// no longer asks for.
 void update_pu_of_ls(Node& node, const Record& ls);
 // The PU below a link station, null without one; kind tells which.
 Record* pu_of_ls(Node& node, const Record& ls, Kind& kind);
 NB_BYTE activation_flags(const Record& ls);
 
-// What every node has without being told: control point LU, modes and classes of service that the architecture defines.
+// What every node has without being told: control point LU, modes and classes of service that the
+// architecture defines.
 void add_standard_resources(Node& node);
 
 } // namespace simnode

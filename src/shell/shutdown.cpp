@@ -131,8 +131,8 @@ void vga_error_exit() {
         return;
     }
     log_fatal(code);
-    if (gvga_main_dialog == nullptr || !XtIsRealized(gvga_main_dialog->shell)) {
-        return;
+    if (gvga_main_dialog == nullptr || !gvga_main_dialog->open || !XtIsRealized(gvga_main_dialog->shell)) {
+        return; // a box of a closed dialog is not shown
     }
     vga_display_hourglass(false);
     gvga_exit_code = 0;

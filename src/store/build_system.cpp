@@ -192,6 +192,17 @@ bool keep_central_logger(const void* vcb) {
     return true;
 }
 
+// In the first build the node that runs the logger is not connected yet; its own build goes on with
+// the log settings. When the file is read again that node is there, or it never will be.
+void logger_known() {
+    register_sink(0, NAP_SERVER_INDICATION);
+    if (gvga_system->central_logger_handle != 0) {
+        vga_build_central_logging();
+    } else if (!is_set(VGA_SYSTEM_NODES)) {
+        vga_clear_system_flags(vga_flag(VGA_SYSTEM_LOGGING));
+    }
+}
+
 // True when the logger is another node by now; it is asked for again.
 bool logger_moved(const void* vcb) {
     if (!is(vcb, NAP_STATE_CHECK, NAP_NOT_CENTRAL_LOGGER)) {
@@ -305,7 +316,7 @@ void vga_build_system(VGA_COMPLETION* work) {
     case NAP_REGISTER_INDICATION_SINK:
         return registered(work->vcb);
     case NAP_QUERY_CENTRAL_LOGGER:
-        return keep_central_logger(work->vcb) ? register_sink(0, NAP_SERVER_INDICATION) : void();
+        return keep_central_logger(work->vcb) ? logger_known() : void();
     case NAP_QUERY_CENTRAL_LOGGING:
         return central_logging_known(work->vcb);
     case NAP_QUERY_GLOBAL_LOG_TYPE:

@@ -27,13 +27,14 @@ struct vga_lu_key { // of the system LU tree
     const char* node_name;
 };
 
-struct vga_lu03 {
+struct vga_lu03 { // the node of the largest tree stands beside its key and the name
     NB_USHORT lu_type;
     NB_USHORT changing;       // a dialog is about to redefine or rename it
+    NB_USHORT user_query;     // a query for what uses it is outstanding
     NTL_AVL_NODE node;        // its PU's LU tree, key vcb.lu_name
     NTL_AVL_NODE nau_node;    // its PU's NAU tree, key vcb.def_data.nau_address
-    NTL_AVL_NODE system_node; // system LU tree, key system_key
     NTL_AVL_NODE pool_node;   // the LU tree of its node pool
+    NTL_AVL_NODE system_node; // system LU tree, key system_key
     vga_lu_key system_key;
     NB_HANDLE handle;
     vga_pu* parent;
@@ -43,7 +44,6 @@ struct vga_lu03 {
     vga_viewer pool_viewer;
     vga_user* user;               // the emulator user it is counted under
     EXTRA_DATA_ENTRY* extra_data; // own block, null: none
-    NB_USHORT user_query;         // a query for what uses it is outstanding
 };
 
 struct vga_down_lu {

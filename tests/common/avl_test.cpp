@@ -202,7 +202,10 @@ TEST_F(Avl, DeletionTakesThePredecessorOnATie) {
         {"right is higher, further down", {2, 1, 5, 4, 6}, 2, "(1 4 ( 5 6))"},
         {"rotates with equal heights below", {3, 2, 5, 4, 6}, 2, "(( 3 4) 5 6)"},
         {"rotates twice", {3, 2, 5, 4}, 2, "(3 4 5)"},
-        {"rotates at the root", {5, 2, 8, 1, 3, 7, 10, 4, 6, 9, 11, 12}, 1, "((( 2 ) 3 4) 5 ())"},
+        {"rotates below and at the root",
+         {5, 2, 8, 1, 3, 7, 10, 4, 6, 9, 11, 12},
+         1,
+         "(((2 3 4) 5 (6 7 )) 8 (9 10 ( 11 12)))"},
     };
     for (const auto& each : cases) {
         ntl_avl_init_tree(&tree, compare_int);

@@ -106,8 +106,8 @@ TEST(LuTemplate, Names) {
     } cases[] = {
         {"LU", 0x0A0102FF, 0xFFFFFF00, "LU00007Z"}, // 255 is 7 times 32 and 31
         {"LU", 0x0A010220, 0xFFFFFF00, "LU000010"},       {"LU", 0x0A010220, 0xFFFFFFFF, "LU"},
-        {"LU..EIO#", 0xFFFFFF4B, 0xFFFFFF00, "LU2CEIO#"}, // 75 is 2 times 32 and 11
-        {"A", 0xFF12FF34, 0xFF00FF00, "A00004JN"},        // host bits packed to 0x1234
+        {"LU..EIO#", 0xFFFFFF4B, 0xFFFFFF00, "LU2BEIO#"}, // 75 is 2 times 32 and 11
+        {"A", 0xFF12FF34, 0xFF00FF00, "A00004JM"},        // host bits packed to 0x1234
         {"........", 0xFFFFFFFF, 0, "03ZZZZZZ"},
     };
     for (const auto& each : cases) {

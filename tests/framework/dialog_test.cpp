@@ -164,6 +164,7 @@ TEST_F(Dialog, ViewingAndEditing) {
     EXPECT_FALSE(XtIsManaged(cancel));
     click(ok);
     EXPECT_FALSE(dialog->open);
+    vga_dialog_allow_edit(dialog, apply, applied); // its widgets are used again
 }
 
 TEST_F(Dialog, TabVisitsFieldAndButtonsInOrder) {

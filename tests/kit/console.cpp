@@ -59,6 +59,19 @@ void collect(const NTL_AVL_TREE& items, int depth, bool collapsed_too, std::vect
     }
 }
 
+// The exit path shows a fatal code in a loop of its own, which only a timer reaches.
+std::string fatal_message;
+XtIntervalId acknowledge_timer;
+
+void acknowledge(XtPointer, XtIntervalId*) {
+    if (const vga_dialog* dialog = dialog_with_box(); dialog != nullptr && XtIsManaged(dialog->modal_dlg.dialog)) {
+        fatal_message = CONSOLE::message();
+        XmAnyCallbackStruct call{XmCR_OK, nullptr};
+        XtCallCallbacks(dialog->modal_dlg.dialog, XmNokCallback, &call);
+    }
+    acknowledge_timer = XtAppAddTimeOut(gvga_appcontext, 10, acknowledge, nullptr);
+}
+
 } // namespace
 
 CONSOLE::CONSOLE(const SERVICE& service, const std::vector<std::string>& options) : arguments_{"tessaly"} {
@@ -82,9 +95,20 @@ CONSOLE::~CONSOLE() {
     }
 }
 
-int CONSOLE::end() {
+int CONSOLE::end(std::string* text) {
     ended_ = true;
-    return vga_end(&run_);
+    fatal_message.clear();
+    const XtIntervalId timer = run_.frontend && gvga_appcontext != nullptr
+                                   ? XtAppAddTimeOut(gvga_appcontext, 10, acknowledge, nullptr)
+                                   : 0;
+    const int status = vga_end(&run_);
+    if (timer != 0) {
+        XtRemoveTimeOut(acknowledge_timer != 0 ? acknowledge_timer : timer);
+    }
+    if (text != nullptr) {
+        *text = fatal_message;
+    }
+    return status;
 }
 
 bool CONSOLE::wait(const std::function<bool()>& condition, int milliseconds) {

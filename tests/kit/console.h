@@ -28,8 +28,8 @@ class CONSOLE {
     bool wait_built();
     // Until no verb is outstanding and no event waits.
     bool wait_idle();
-    // The exit path; the program's status. Closes everything.
-    int end();
+    // The exit path; the program's status. Closes everything. A fatal message is acknowledged; *message gets its text.
+    int end(std::string* message = nullptr);
 
     Widget widget(const std::string& name); // of any open window or dialog; null when there is none
     void click(Widget widget, int x, int y, unsigned modifiers = 0, int count = 1);

@@ -33,7 +33,7 @@ std::string ebcdic(std::string text) {
 TEST(Formatter, PlacesArgumentsByPosition) {
     EXPECT_EQ(print("Node %1 in state %2%.", "s i", "NODE1", 3), "Node NODE1 in state 3.");
     EXPECT_EQ(print("%2 before %1", "s s", "one", "two"), "two before one");
-    EXPECT_EQ(print("%1%1", "s", "x"), "xx");
+    EXPECT_EQ(print("%1%%1", "s", "x"), "xx");
     EXPECT_EQ(print("[%3]", "s s", "a", "b"), "[]");
     EXPECT_EQ(print("[%0]", "s", "a"), "[]");
     EXPECT_EQ(print("[%1]", ""), "[]");
@@ -71,8 +71,8 @@ TEST(Formatter, TakesElevenArgumentsAndNoMore) {
 
 TEST(Formatter, CutsWhatTheWorkAreaCannotHold) {
     const std::string longer(3000, 'x');
-    EXPECT_EQ(print("%1%2", "s s", longer.c_str(), "y"), std::string(VGA_MESSAGE_WORK_SIZE, 'x'));
-    EXPECT_EQ(print("%1%2", "ca s", 0xFFFF, "z", "y").size(), VGA_MESSAGE_WORK_SIZE);
+    EXPECT_EQ(print("%1%%2", "s s", longer.c_str(), "y"), std::string(VGA_MESSAGE_WORK_SIZE, 'x'));
+    EXPECT_EQ(print("%1%%2", "ca s", 0xFFFF, "z", "y").size(), VGA_MESSAGE_WORK_SIZE);
 }
 
 TEST(Formatter, ReportsDescriptorsOutsideTheGrammar) {

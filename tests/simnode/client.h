@@ -132,8 +132,8 @@ struct Client {
         return *answer;
     }
     template <typename T>
-        requires std::is_trivially_copyable_v<T>
-    Received call(const T& block, NB_HANDLE target, NB_ULONG capacity = 0) {
+    requires std::is_trivially_copyable_v<T> Received call(const T& block, NB_HANDLE target,
+                                                           NB_ULONG capacity = 0) {
         return call(std::span(reinterpret_cast<const NB_BYTE*>(&block), sizeof block), target,
                     capacity);
     }

@@ -1,4 +1,5 @@
-// Domain files: what the example shows, what bad files are answered, and that what is saved comes back.
+// Domain files: what the example shows, what bad files are answered, and that what is saved comes
+// back.
 #include "client.h"
 
 #include "simnode/lively.h"
@@ -118,9 +119,8 @@ TEST(DomainFile, SavedDomainComesBackAsItWas) {
                   simnode::to_hex(entry.data(), entry.size()))
             << simnode::kind_row(key.first).name;
     }
-    EXPECT_EQ(std::memcmp(&node.parameters, &copy.nodes.front()->parameters,
-                          sizeof node.parameters),
-              0);
+    EXPECT_EQ(
+        std::memcmp(&node.parameters, &copy.nodes.front()->parameters, sizeof node.parameters), 0);
     EXPECT_EQ(domain_text(copy), domain_text(service.world.domain));
 }
 

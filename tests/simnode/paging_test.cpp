@@ -1,4 +1,5 @@
-// Queries page exactly: every entry once, in order, with counts that lead a client to the end and no further.
+// Queries page exactly: every entry once, in order, with counts that lead a client to the end and
+// no further.
 #include "client.h"
 
 #include "simnode/generate.h"
@@ -19,8 +20,10 @@ struct Page {
 };
 
 Page page_of(Received answer) {
-    Page page{answer.as<VCB_HEADER>(), answer.as<LIST_QUERY>().num_entries,
-              answer.as<LIST_QUERY>().total_entries, {}};
+    Page page{answer.as<VCB_HEADER>(),
+              answer.as<LIST_QUERY>().num_entries,
+              answer.as<LIST_QUERY>().total_entries,
+              {}};
     for (std::size_t at = 0; at < answer.buffer.size();) {
         NB_USHORT length = 0;
         std::memcpy(&length, answer.buffer.data() + at, sizeof length);
@@ -79,7 +82,8 @@ TEST_F(PagingTest, AnyStartAndPageSizeGivesTheSameAsAPlainList) {
         const std::size_t from = option == NAP_FIRST_IN_LIST    ? 0
                                  : option == NAP_LIST_INCLUSIVE ? start
                                                                 : start + 1;
-        const NB_USHORT wanted = dice() % 2 == 0 ? NB_USHORT{0} : static_cast<NB_USHORT>(dice() % 9);
+        const NB_USHORT wanted =
+            dice() % 2 == 0 ? NB_USHORT{0} : static_cast<NB_USHORT>(dice() % 9);
         const NB_ULONG capacity = static_cast<NB_ULONG>(sizeof(LU03_ENTRY) + dice() % 9000);
         const Page page = ask(*client, node, option, all[start]->key, pu, capacity, wanted);
         const std::size_t remaining = all.size() - from;
@@ -215,7 +219,8 @@ TEST(EveryQuery, AnswersWithExactPages) {
     }
 }
 
-// Owners come before what they own, whatever the names: the console builds its directory from the list as it comes.
+// Owners come before what they own, whatever the names: the console builds its directory from the
+// list as it comes.
 TEST(Directory, OwnersComeFirstAndMovedEndNodesTakeTheirLusAlong) {
     simnode::Service service;
     load_demo(service);

@@ -96,11 +96,18 @@ TEST_F(ServiceTest, BlocksThatAreNoVerbsAreRefused) {
         for (NB_BYTE& byte : block) {
             byte = static_cast<NB_BYTE>(std::rand() % 4 == 0 ? std::rand() : 0);
         }
-        static constexpr NB_USHORT opcodes[] = {
-            NAP_DEFINE_LS,         NAP_DEFINE_PORT,       NAP_DEFINE_DLC,
-            NAP_QUERY_LS,          NAP_QUERY_MODE,        NAP_DEFINE_LU_0_TO_3_RANGE,
-            NAP_ACTIVATE_SESSION,  NAP_DEFINE_NODE,       NAP_QUERY_DIRECTORY_ENTRY,
-            NAP_DELETE_LU_0_TO_3_RANGE, NAP_DEFINE_DIRECTORY_ENTRY, NAP_QUERY_TN3270_SSL_LDAP};
+        static constexpr NB_USHORT opcodes[] = {NAP_DEFINE_LS,
+                                                NAP_DEFINE_PORT,
+                                                NAP_DEFINE_DLC,
+                                                NAP_QUERY_LS,
+                                                NAP_QUERY_MODE,
+                                                NAP_DEFINE_LU_0_TO_3_RANGE,
+                                                NAP_ACTIVATE_SESSION,
+                                                NAP_DEFINE_NODE,
+                                                NAP_QUERY_DIRECTORY_ENTRY,
+                                                NAP_DELETE_LU_0_TO_3_RANGE,
+                                                NAP_DEFINE_DIRECTORY_ENTRY,
+                                                NAP_QUERY_TN3270_SSL_LDAP};
         vcb_header(block.data())->opcode = opcodes[std::rand() % std::size(opcodes)];
         vcb_header(block.data())->format = 0;
         client.call(std::span<const NB_BYTE>(block), node, 4096);
@@ -147,10 +154,9 @@ TEST_F(ServiceTest, VerbsFailLateOrNotAtAllOnRequest) {
     step(service, 0);
     EXPECT_FALSE(client.poll().has_value());
     // A handle with verbs outstanding is not given back.
-    EXPECT_EQ(client.call(verb<DISCONNECT_NODE>(NAP_DISCONNECT_NODE), node)
-                  .as<VCB_HEADER>()
-                  .secondary_rc,
-              0x5544u);
+    EXPECT_EQ(
+        client.call(verb<DISCONNECT_NODE>(NAP_DISCONNECT_NODE), node).as<VCB_HEADER>().secondary_rc,
+        0x5544u);
     // The marker waits for what is held.
     script.send(WIRE_CONTROL, {reinterpret_cast<const NB_BYTE*>("idle"), 4}, 0, 0, 0);
     step(service, 0);
@@ -160,10 +166,9 @@ TEST_F(ServiceTest, VerbsFailLateOrNotAtAllOnRequest) {
     ASSERT_EQ(second.control("release"), 0);
     EXPECT_TRUE(client.next(WIRE_ANSWER).has_value());
     EXPECT_TRUE(script.next(WIRE_CONTROL_ANSWER).has_value());
-    EXPECT_EQ(client.call(verb<DISCONNECT_NODE>(NAP_DISCONNECT_NODE), node)
-                  .as<VCB_HEADER>()
-                  .primary_rc,
-              NAP_OK);
+    EXPECT_EQ(
+        client.call(verb<DISCONNECT_NODE>(NAP_DISCONNECT_NODE), node).as<VCB_HEADER>().primary_rc,
+        NAP_OK);
 
     ASSERT_EQ(script.control("immediate NAP_QUERY_LS 0x212C"), 0);
     const auto list = client.next(WIRE_IMMEDIATE);

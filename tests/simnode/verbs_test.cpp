@@ -80,11 +80,11 @@ struct VerbTest : testing::Test {
         client = std::make_unique<Client>(service);
         other = std::make_unique<Client>(service);
         node = client->connect("one", {NAP_CONFIG_INDICATION, NAP_DLC_INDICATION});
-        other->connect("ONE", {NAP_CONFIG_INDICATION, NAP_DLC_INDICATION, NAP_PORT_INDICATION,
-                               NAP_LS_INDICATION, NAP_PU_INDICATION, NAP_DLUR_PU_INDICATION,
-                               NAP_LU_0_TO_3_INDICATION, NAP_DOWNSTREAM_PU_INDICATION,
-                               NAP_DOWNSTREAM_LU_INDICATION, NAP_PLU_INDICATION,
-                               NAP_MODE_INDICATION});
+        other->connect("ONE",
+                       {NAP_CONFIG_INDICATION, NAP_DLC_INDICATION, NAP_PORT_INDICATION,
+                        NAP_LS_INDICATION, NAP_PU_INDICATION, NAP_DLUR_PU_INDICATION,
+                        NAP_LU_0_TO_3_INDICATION, NAP_DOWNSTREAM_PU_INDICATION,
+                        NAP_DOWNSTREAM_LU_INDICATION, NAP_PLU_INDICATION, NAP_MODE_INDICATION});
     }
     simnode::Node& the_node() { return *service.world.domain.nodes.front(); }
 
@@ -180,16 +180,19 @@ TEST_F(VerbTest, StartChainTellsEveryStep) {
                                               NAP_LU_0_TO_3_INDICATION}));
     EXPECT_EQ(issue(start_ls("HOST")).secondary, 0xC0010000u);
     EXPECT_TRUE(issue(start_ls("DOWN")).ok());
-    EXPECT_EQ(told(), (std::vector<NB_USHORT>{NAP_START_LS, NAP_LS_INDICATION, NAP_LS_INDICATION,
-                                              NAP_DOWNSTREAM_PU_INDICATION,
-                                              NAP_DOWNSTREAM_LU_INDICATION}));
+    EXPECT_EQ(told(),
+              (std::vector<NB_USHORT>{NAP_START_LS, NAP_LS_INDICATION, NAP_LS_INDICATION,
+                                      NAP_DOWNSTREAM_PU_INDICATION, NAP_DOWNSTREAM_LU_INDICATION}));
     EXPECT_EQ(issue(start_ls("PEER")).secondary, 0x3E100000u); // the port takes two links
     EXPECT_TRUE(issue(stop_ls("HOST", 3)).ok());
     const auto& host = find(the_node().of(Kind::ls), "HOST    ")->as<LS_ENTRY>();
     EXPECT_EQ(host.det.state, NOF_STATE_INACTIVE);
     EXPECT_EQ(host.det.activation_flags, 0);
-    EXPECT_EQ(find(the_node().of(Kind::lu_0_to_3), simnode::everything(the_node().of(
-                  Kind::lu_0_to_3)).front()->key)->as<LU03_ENTRY>().det_data.lu_active, 0);
+    EXPECT_EQ(find(the_node().of(Kind::lu_0_to_3),
+                   simnode::everything(the_node().of(Kind::lu_0_to_3)).front()->key)
+                  ->as<LU03_ENTRY>()
+                  .det_data.lu_active,
+              0);
     EXPECT_TRUE(issue(start_ls("HOST", 2)).ok()); // enable only
     EXPECT_EQ(host.det.state, NOF_STATE_INACTIVE);
     EXPECT_EQ(host.det.activation_flags, NOF_LS_INCOMING);

@@ -218,8 +218,8 @@ TEST_F(DependentLu, Tn3270Client) {
                   {0x9C, 866}, {0x0A, 867}, {0x35, 868}, {0x3D, 868}, {0x9D, 868}};
     for (const auto& each : suites) {
         client.cipher_suite = each.suite;
-        EXPECT_EQ(use(), message(860, "s i s s", host.c_str(), 2323, gvga_messages[each.text],
-                                 "an LU"));
+        EXPECT_EQ(use(),
+                  message(860, "s i s s", host.c_str(), 2323, gvga_messages[each.text], "an LU"));
     }
     client.address_form = 1;
     client.client_kind = 0;
@@ -293,8 +293,7 @@ TEST_F(NodeRows, RemoteSystemsAndPartners) {
     };
     EXPECT_EQ(rem_sys_text(defined),
               message(843, "s s s", "NET.EAST", three.c_str(), "a remote node"));
-    EXPECT_EQ(rem_sys_text(learned),
-              trimmed(message(844, "s s", "NET.WEST", gvga_messages[871])));
+    EXPECT_EQ(rem_sys_text(learned), trimmed(message(844, "s s", "NET.WEST", gvga_messages[871])));
 
     vga_rem_plu* located = add_rem_plu(defined, "NET.LUEAST", NAP_LU_RESOURCE, true);
     vga_rem_plu* dynamic = add_rem_plu(learned, "NET.LUWEST", NAP_LU_RESOURCE, false);
@@ -359,9 +358,9 @@ TEST_F(NodeRows, LinkIcons) {
     const struct {
         NB_BYTE dlc_type;
         int icon;
-    } ports[] = {{0, VGA_ICON_PORTSDLC},    {1, VGA_ICON_PORTX25},     {2, VGA_ICON_PORTTR},
-                 {6, VGA_ICON_PORTFDDI},    {7, VGA_ICON_PORTETHER},   {8, VGA_ICON_PORTFR},
-                 {11, VGA_ICON_PORTESCON},  {15, VGA_ICON_PORTIP},     {129, VGA_ICON_PORTMPC},
+    } ports[] = {{0, VGA_ICON_PORTSDLC},      {1, VGA_ICON_PORTX25},   {2, VGA_ICON_PORTTR},
+                 {6, VGA_ICON_PORTFDDI},      {7, VGA_ICON_PORTETHER}, {8, VGA_ICON_PORTFR},
+                 {11, VGA_ICON_PORTESCON},    {15, VGA_ICON_PORTIP},   {129, VGA_ICON_PORTMPC},
                  {130, VGA_ICON_PORTMPCPLUS}, {99, VGA_ICON_PORT}};
     vga_port* port = add_port("P");
     for (const auto& each : ports) {
@@ -369,18 +368,15 @@ TEST_F(NodeRows, LinkIcons) {
         EXPECT_EQ(vga_choose_port_viewer_icon(port), each.icon);
     }
     EXPECT_EQ(vga_choose_port_viewer_icon(vga_get_dlur_fake_port(node)), VGA_ICON_DLURPORT);
-    EXPECT_EQ(vga_choose_port_viewer_icon(vga_get_primary_line_fake_port(node)),
-              VGA_ICON_PORTSDLC);
+    EXPECT_EQ(vga_choose_port_viewer_icon(vga_get_primary_line_fake_port(node)), VGA_ICON_PORTSDLC);
 
     const struct {
         NB_BYTE adj_cp_type, local_pu, services, implicit;
         int icon;
-    } stations[] = {{NAP_END_NODE, 0, 0, 0, VGA_ICON_LSPEER},
-                    {NAP_HOST_XID3, 0, 0, 0, VGA_ICON_LSHOST},
-                    {NAP_HOST_XID0, 0, 0, 0, VGA_ICON_LSHOST},
-                    {NAP_END_NODE, 1, 0, 0, VGA_ICON_LSHOST},
-                    {NAP_DSPU_XID, 0, 1, 0, VGA_ICON_LSDOWN},
-                    {NAP_HOST_XID3, 0, 0, 1, VGA_ICON_LSIMPL}};
+    } stations[] = {
+        {NAP_END_NODE, 0, 0, 0, VGA_ICON_LSPEER},  {NAP_HOST_XID3, 0, 0, 0, VGA_ICON_LSHOST},
+        {NAP_HOST_XID0, 0, 0, 0, VGA_ICON_LSHOST}, {NAP_END_NODE, 1, 0, 0, VGA_ICON_LSHOST},
+        {NAP_DSPU_XID, 0, 1, 0, VGA_ICON_LSDOWN},  {NAP_HOST_XID3, 0, 0, 1, VGA_ICON_LSIMPL}};
     vga_ls* ls = add_ls(port, "L", AS_IS);
     for (const auto& each : stations) {
         ls->vcb->def.adj_cp_type = each.adj_cp_type;
@@ -425,8 +421,7 @@ TEST_F(NodeRows, RemoteIcons) {
     EXPECT_EQ(vga_choose_rem_sys_viewer_icon(learned), VGA_ICON_REMSYSD);
     EXPECT_EQ(vga_choose_rem_sys_viewer_icon(fake), VGA_ICON_REMSYSF);
     const auto icon = [&](vga_rem_sys* rem_sys, const char* name, bool located) {
-        return vga_choose_rem_plu_viewer_icon(
-            add_rem_plu(rem_sys, name, NAP_LU_RESOURCE, located));
+        return vga_choose_rem_plu_viewer_icon(add_rem_plu(rem_sys, name, NAP_LU_RESOURCE, located));
     };
     EXPECT_EQ(icon(defined, "NET.A", true), VGA_ICON_REMPLU);
     EXPECT_EQ(icon(learned, "NET.B", false), VGA_ICON_REMPLUD);

@@ -5,7 +5,7 @@
 // One unit of an icon's view box becomes PIXELS pixels (a fraction is allowed). For NAME.svg the module exports
 // NAME<S>_icon and NAME<S>_iconi, the same on the selection's dark ground. With --bitmap it exports NAME<S>_icon and the
 // mask NAME<S>m_icon, both of two colours. Pixels take the nearest colour of the palette; transparent ones become the
-// background colour, which the program chooses.
+// background colour, which the program chooses, or on the selection's ground the foreground colour.
 #include <cairo.h>
 #include <librsvg/rsvg.h>
 
@@ -136,8 +136,9 @@ char letter(std::uint32_t pixel) {
     return best;
 }
 
-void write_colours(std::ostream& out, const char* name, COLOUR INK::*ink_form, COLOUR ground) {
-    out << "value\n    " << name << ": color_table(background color = ' '";
+void write_colours(std::ostream& out, const char* name, COLOUR INK::*ink_form, COLOUR ground,
+                   const char* ground_name) {
+    out << "value\n    " << name << ": color_table(" << ground_name << " = ' '";
     std::size_t index = 0;
     for (const INK& ink : inks) {
         for (const double blend : blends) {
@@ -202,8 +203,8 @@ int main(int argc, char** argv) {
     if (bitmap) {
         out << "value\n    two_colours: color_table(background color = ' ', foreground color = '*');\n";
     } else {
-        write_colours(out, "on_light", &INK::on_light, light_ground);
-        write_colours(out, "on_dark", &INK::on_dark, dark_ground);
+        write_colours(out, "on_light", &INK::on_light, light_ground, "background color");
+        write_colours(out, "on_dark", &INK::on_dark, dark_ground, "foreground color");
     }
     for (const std::string& file : files) {
         const IMAGE image = rasterise(file, unit);

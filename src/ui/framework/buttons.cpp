@@ -47,9 +47,6 @@ void set_ok(vga_dialog* dialog, int label, XtCallbackProc callback) {
     const char* list = box ? XmNokCallback : XmNactivateCallback;
     XtRemoveAllCallbacks(owner, list);
     XtAddCallback(owner, list, callback, dialog);
-    if (!box) {
-        vga_add_modal_popup_firewall(ok);
-    }
 }
 
 void destroy_list_cb(Widget widget, XtPointer, XtPointer) {

@@ -171,6 +171,8 @@ void remove_menu_items(const vga_node_window* window) {
 
 void set_icons(const vga_node_window* window) {
     vga_put_widget_pixmap(window->icon_server, VGA_ICON_TERMINAL);
+    // Stands for the whole node area at the keyboard.
+    XtVaSetValues(window->icon_server, XmNtraversalOn, True, XmNhighlightThickness, 1, nullptr);
     for (const VGA_NODEW_PANE& pane : vga_nodew_panes) {
         vga_put_widget_pixmap(vga_name_widget(window->*pane.form, pane.key, nullptr), VGA_ICON_KEY);
         XtAddCallback(window->*pane.form, XmNhelpCallback, vga_help_cb,

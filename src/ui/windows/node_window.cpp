@@ -310,6 +310,7 @@ bool vga_display_node_window(vga_node* node, bool ready) {
     }
     vga_update_node_window(node);
     vga_display_dialog(&window->common);
+    XmProcessTraversal(window->link, XmTRAVERSE_CURRENT);
     mark_ready(window);
     if (node->node_state == VGA_NODE_STATE_UNCONFIGURED && !gvga_read_only) {
         show_start_help(window, node);

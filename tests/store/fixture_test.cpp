@@ -1,0 +1,246 @@
+#include "fixture.h"
+
+#include "ui/viewer/viewer_internal.h"
+
+#include <cstdlib>
+#include <functional>
+
+namespace store_test {
+
+namespace {
+
+template <typename T> T* found(const NTL_AVL_TREE& tree, const void* key) {
+    T* record = static_cast<T*>(ntl_avl_find(&tree, key));
+    EXPECT_NE(record, nullptr);
+    return record;
+}
+
+void collect(const NTL_AVL_TREE& items, const std::string& indent, std::vector<std::string>* out) {
+    for (const vga_viewer* row = vga_viewer_top(items); row != nullptr;
+         row = vga_viewer_sibling_below(row)) {
+        out->push_back(indent + row_name(*row));
+        collect(row->children, indent + ' ', out);
+    }
+}
+
+int height(const NTL_AVL_NODE* node) {
+    if (node == nullptr) {
+        return 0;
+    }
+    const int left = height(node->left);
+    const int right = height(node->right);
+    EXPECT_LE(std::abs(left - right), 1);
+    return std::max(left, right) + 1;
+}
+
+} // namespace
+
+DLC_ENTRY dlc(const std::string& name, NB_BYTE type) {
+    auto e = entry<DLC_ENTRY>();
+    put(e.dlc_name, name);
+    e.def.dlc_type = type;
+    return e;
+}
+PORT_ENTRY port(const std::string& name, const std::string& dlc_name) {
+    auto e = entry<PORT_ENTRY>();
+    put(e.port_name, name);
+    put(e.def.dlc_name, dlc_name);
+    return e;
+}
+LS_ENTRY ls(const std::string& name, const std::string& port_name, const std::string& pu_name,
+            const std::string& dspu_name) {
+    auto e = entry<LS_ENTRY>();
+    put(e.ls_name, name);
+    put(e.def.port_name, port_name);
+    e.def.solicit_sscp_sessions = !pu_name.empty();
+    put(e.def.pu_name, pu_name);
+    e.def.dspu_services = dspu_name.empty() ? 0 : NAP_PU_CONCENTRATION;
+    put(e.def.dspu_name, dspu_name);
+    return e;
+}
+PU_ENTRY pu(const std::string& name, const std::string& ls_name, NB_BYTE attachment) {
+    auto e = entry<PU_ENTRY>();
+    put(e.pu_name, name);
+    put(e.ls_name, ls_name);
+    e.host_attachment = attachment;
+    return e;
+}
+LU03_ENTRY lu03(const std::string& name, const std::string& pu_name, NB_BYTE nau) {
+    auto e = entry<LU03_ENTRY>();
+    put(e.lu_name, name);
+    put(e.def_data.pu_name, pu_name);
+    e.def_data.nau_address = nau;
+    return e;
+}
+DOWN_LU_ENTRY down_lu(const std::string& name, NB_BYTE nau) {
+    auto e = entry<DOWN_LU_ENTRY>();
+    put(e.dslu_name, name);
+    e.def.nau_address = nau;
+    return e;
+}
+LU62_ENTRY lu62(const std::string& name, const std::string& alias, NB_BYTE nau,
+                const std::string& pu_name) {
+    auto e = entry<LU62_ENTRY>();
+    put(e.lu_name, name);
+    put(e.def.lu_alias, alias);
+    e.def.nau_address = nau;
+    put(e.def.pu_name, pu_name);
+    return e;
+}
+MODE_ENTRY mode(const std::string& name, const std::string& partner, NB_USHORT sessions,
+                const std::string& cp_name) {
+    auto e = entry<MODE_ENTRY>();
+    put(e.mode_name, name);
+    put(e.plu_name, partner);
+    e.act_sess_count = sessions;
+    e.cp_known = !cp_name.empty();
+    put(e.cp_name, cp_name);
+    return e;
+}
+DIRECTORY_ENTRY directory(const std::string& name, NB_USHORT type, NB_BYTE entry_type,
+                          const std::string& parent, NB_USHORT parent_type) {
+    auto e = entry<DIRECTORY_ENTRY>();
+    put(e.resource_name, name);
+    e.resource_type = type;
+    e.entry_type = entry_type;
+    put(e.parent_name, parent);
+    e.parent_type = parent_type;
+    return e;
+}
+PLU_DEF_ENTRY plu_def(const std::string& name, const std::string& alias) {
+    auto e = entry<PLU_DEF_ENTRY>();
+    put(e.plu_name, name);
+    put(e.def.plu_alias, alias);
+    return e;
+}
+NODE_ALL_ENTRY node_all(const std::string& name) {
+    auto e = entry<NODE_ALL_ENTRY>();
+    put(e.node_name, name);
+    return e;
+}
+
+std::string row_name(const vga_viewer& row) {
+    switch (row.type) {
+    case VGA_VIEWER_PORT:
+        return get(static_cast<vga_port*>(row.data)->vcb->port_name);
+    case VGA_VIEWER_LS:
+        return get(static_cast<vga_ls*>(row.data)->vcb->ls_name) + "+";
+    case VGA_VIEWER_LS_NO_PU:
+        return get(static_cast<vga_ls*>(row.data)->vcb->ls_name);
+    case VGA_VIEWER_LOCAL_PU:
+        return get(static_cast<vga_pu*>(row.data)->vcb.pu_name);
+    case VGA_VIEWER_DEPLU:
+        return static_cast<vga_deplu*>(row.data)->lu_type == VGA_DEPLU_TYPE_LU03
+                   ? get(static_cast<vga_lu03*>(row.data)->vcb.lu_name)
+                   : get(static_cast<vga_lu62*>(row.data)->vcb.lu_name);
+    case VGA_VIEWER_DOWN_LU:
+        return get(static_cast<vga_down_lu*>(row.data)->vcb.dslu_name);
+    case VGA_VIEWER_LU62:
+        return get(static_cast<vga_lu62*>(row.data)->vcb.lu_name);
+    case VGA_VIEWER_MODE:
+        return get(static_cast<vga_mode*>(row.data)->parent->vcb.plu_name) + "/" +
+               get(static_cast<vga_mode*>(row.data)->vcb.mode_name);
+    case VGA_VIEWER_MODE_DEF:
+        return get(static_cast<vga_mode_def*>(row.data)->vcb.mode_name);
+    case VGA_VIEWER_NODE:
+        return get(static_cast<vga_node*>(row.data)->node_name);
+    case VGA_VIEWER_REM_SYS:
+        return get(static_cast<vga_rem_sys*>(row.data)->cp_name);
+    case VGA_VIEWER_REM_PLU:
+    case VGA_VIEWER_REM_PLU_NO_SESS:
+        return get(static_cast<vga_rem_plu*>(row.data)->key.plu_name);
+    case VGA_VIEWER_REM_SESS:
+        return get(static_cast<vga_rem_sess*>(row.data)->key.lu_name) + "/" +
+               get(static_cast<vga_rem_sess*>(row.data)->key.mode_name);
+    default:
+        return "?";
+    }
+}
+
+std::vector<std::string> rows(vga_viewer_root& root) {
+    std::vector<std::string> out;
+    collect(root.top_items, "", &out);
+    return out;
+}
+
+std::size_t count(const NTL_AVL_TREE& tree) {
+    height(tree.root);
+    std::size_t records = 0;
+    const NTL_AVL_NODE* stack[64];
+    int depth = 0;
+    const void* previous = nullptr;
+    for (const NTL_AVL_NODE* node = tree.root; node != nullptr || depth > 0;) {
+        for (; node != nullptr; node = node->left) {
+            stack[depth++] = node;
+        }
+        node = stack[--depth];
+        EXPECT_TRUE(previous == nullptr || tree.compare(previous, node->key) < 0);
+        previous = node->key;
+        ++records;
+        node = node->right;
+    }
+    return records;
+}
+
+Store::Store() {
+    nba_hm_initialise();
+    vga_init_verb_queues();
+    gvga_exit_code = 0;
+    gvga_store_hooks = {};
+    gvga_metrics.item_height = 16;
+    gvga_messages[232] = "DLUR";
+    gvga_messages[233] = "LINES";
+    gvga_messages[231] = "the node's own LU";
+    gvga_messages[235] = "SNA mode";
+    gvga_messages[888] = "not configured";
+    gvga_system = vga_init_vga_system();
+    node = add_node("NODE1");
+    asserts = nba_assert_count();
+}
+
+Store::~Store() {
+    EXPECT_EQ(nba_assert_count(), asserts) << nba_last_assert();
+    vga_free_verb_queues();
+    vga_destroy_data_structures();
+    EXPECT_EQ(vga_allocations_in_use(), 0u);
+    EXPECT_EQ(nba_handle_count(), 0u);
+    nba_hm_terminate();
+}
+
+vga_node* Store::add_node(const std::string& name) {
+    const NODE_ALL_ENTRY e = node_all(name);
+    vga_node* added = vga_insert_vga_node(vga_init_vga_node(&e));
+    put(added->vcb.parameters.cp_name, "NET.CP");
+    put(added->vcb.parameters.cp_alias, "CP");
+    return added;
+}
+vga_dlc* Store::add_dlc(const DLC_ENTRY& e) {
+    return vga_insert_vga_dlc(vga_init_vga_dlc(node, &e), node);
+}
+vga_port* Store::add_port(const std::string& name) {
+    vga_dlc* owner = add_dlc(dlc(name));
+    const PORT_ENTRY e = port(name, name);
+    return vga_insert_vga_port(vga_init_vga_port(owner, &e), owner);
+}
+vga_ls* Store::add_ls(const LS_ENTRY& e) {
+    auto* owner = found<vga_port>(node->port_tree, e.def.port_name);
+    vga_ls* added = vga_insert_vga_ls(vga_init_vga_ls(owner, &e), owner);
+    vga_add_ls_pu(added);
+    return added;
+}
+vga_pu* Store::add_pu(const PU_ENTRY& e) {
+    return vga_insert_vga_local_pu(vga_init_vga_local_pu(node, &e), node);
+}
+vga_lu03* Store::add_lu03(const LU03_ENTRY& e) {
+    auto* owner = found<vga_pu>(node->local_pu_tree, e.def_data.pu_name);
+    return vga_insert_vga_lu03(vga_init_vga_lu03(owner, &e), owner);
+}
+vga_lu62* Store::add_lu62(const LU62_ENTRY& e) {
+    return vga_insert_vga_lu62(vga_init_vga_lu62(node, &e), node);
+}
+vga_rem_sys* Store::add_rem_sys(const std::string& name) {
+    const DIRECTORY_ENTRY e = directory(name, NAP_END_NODE_CP_RESOURCE, NOF_DIRECTORY_DEFINED);
+    return vga_insert_vga_rem_sys(vga_init_vga_rem_sys(node, e.resource_name, true, &e), node);
+}
+
+} // namespace store_test
