@@ -27,6 +27,7 @@ constexpr std::size_t key_width = 8;
 constexpr std::size_t record_size = 600;
 constexpr std::size_t key_offset = 64; // in the query entry, behind node, handle and parent
 constexpr std::size_t turns = 16;      // per repetition
+constexpr std::size_t most_operations = 200'000; // per repetition, where a sample will do
 
 using Hook = bi::avl_set_member_hook<>;
 
@@ -194,7 +195,7 @@ Times insert_sorted(Pair& pair) {
 Times find(Pair& pair) {
     pair.build();
     return alternate(
-        pair.keys.size(),
+        std::min(pair.keys.size(), most_operations),
         [&](std::size_t from, std::size_t to) {
             for (std::size_t i = from; i < to; ++i) {
                 benchmark::DoNotOptimize(ntl_avl_find(&pair.ours, pair.searched[i].data()));
@@ -217,7 +218,7 @@ Times find_next(Pair& pair) {
         ++keys[i].back();
     }
     return alternate(
-        keys.size(),
+        std::min(keys.size(), most_operations),
         [&](std::size_t from, std::size_t to) {
             for (std::size_t i = from; i < to; ++i) {
                 benchmark::DoNotOptimize(ntl_avl_find_next(&pair.ours, keys[i].data()));
@@ -260,10 +261,10 @@ Times walk(Pair& pair) {
     return times;
 }
 
-// Half of the records in random order; they are put back outside the measurement.
+// Up to half of the records in random order; they are put back outside the measurement.
 Times remove(Pair& pair) {
     pair.build();
-    const std::size_t count = pair.keys.size() / 2;
+    const std::size_t count = std::min(pair.keys.size() / 2, most_operations);
     const Times times = alternate(
         count,
         [&](std::size_t from, std::size_t to) {

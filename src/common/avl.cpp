@@ -100,33 +100,42 @@ void replace_child(Tree* tree, Node* parent, const Node* node, Node* replacement
     }
 }
 
+void ntl_avl_balance_tree(Tree* tree, Node* node, bool left, int changed);
+
+// Turns a subtree whose top has got out of balance and goes on above it, unless its height is again
+// what it was before. Apart from the walk, so that the walk itself, which seldom needs it, stays
+// short.
+[[gnu::noinline]] void balance_from(Tree* tree, Node* node, int before) {
+    Node* const parent = node->parent;
+    Node* const top = ntl_avl_rebalance(node);
+    replace_child(tree, parent, node, top);
+    const int changed = height(top);
+    if (changed != before && parent != nullptr) {
+        ntl_avl_balance_tree(tree, parent, parent->left == top, changed);
+    }
+}
+
 // Records the height of a changed subtree on one side of a node, and restores balance and heights
 // from the node up to the root, or up to a subtree that is as high as it was: nothing above that
 // can differ, and nothing above is touched.
 void ntl_avl_balance_tree(Tree* tree, Node* node, bool left, int changed) {
     for (;;) {
-        int l_height = node->l_height;
-        int r_height = node->r_height;
-        const int before = std::max(l_height, r_height) + 1;
-        if (left) {
-            l_height = changed;
-            node->l_height = static_cast<std::int16_t>(changed);
-        } else {
-            r_height = changed;
-            node->r_height = static_cast<std::int16_t>(changed);
+        const int other = left ? node->r_height : node->l_height;
+        std::int16_t& recorded = left ? node->l_height : node->r_height;
+        const int before = std::max<int>(other, recorded) + 1;
+        recorded = static_cast<std::int16_t>(changed);
+        if (std::abs(changed - other) > 1) {
+            return balance_from(tree, node, before);
         }
-        Node* const parent = node->parent;
-        Node* top = node;
-        changed = std::max(l_height, r_height) + 1;
-        if (std::abs(r_height - l_height) > 1) {
-            top = ntl_avl_rebalance(node);
-            replace_child(tree, parent, node, top);
-            changed = height(top);
-        }
-        if (changed == before || parent == nullptr) {
+        changed = std::max(changed, other) + 1;
+        if (changed == before) {
             return;
         }
-        left = parent->left == top;
+        Node* const parent = node->parent;
+        if (parent == nullptr) {
+            return;
+        }
+        left = parent->left == node;
         node = parent;
     }
 }
@@ -268,9 +277,6 @@ void ntl_avl_delete(NTL_AVL_TREE* tree, NTL_AVL_NODE* node) {
     const bool node_in_tree = AVL_IN_TREE(*node);
     if (!VGA_ASSERT(node_in_tree)) {
         return;
-    }
-    if (node->parent != nullptr) {
-        prefetch_links(node->parent);
     }
     const bool swap = node->left != nullptr && node->right != nullptr;
     const Gap gap = !swap                              ? unlink(tree, node)

@@ -10,8 +10,8 @@ namespace {
 
 void ignore_completion(VGA_COMPLETION*) {}
 
-// Sends a verb of the header alone that releases a target, after forgetting what else was on its way
-// there. A failure sets exit code 1.
+// Sends a verb of the header alone that releases a target, after forgetting what else was on its
+// way there. A failure sets exit code 1.
 void release_target(NB_HANDLE target, NB_USHORT opcode, VGA_CALLBACK callback) {
     vga_purge_verb_queue(target, 0, nullptr, 0, nullptr);
     auto* vcb = vga_new_vcb<HEADER_ONLY>(opcode);

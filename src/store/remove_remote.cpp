@@ -150,11 +150,10 @@ void vga_delete_vga_rem_sess(vga_rem_sess* sess, bool redraw) {
 void vga_overwrite_vga_rem_sys(vga_rem_sys* rem_sys) {
     vga_node* node = rem_sys->parent;
     vga_dialog* window = node->gui_data.node_window;
-    vga_display_info_dialog(window != nullptr ? window : gvga_main_dialog,
-                            window != nullptr ? 282 : 283, "remndcpsessnote", nullptr, 0, "es cs",
-                            int{sizeof rem_sys->cp_name}, rem_sys->cp_name,
-                            static_cast<int>(strnlen(node->node_name, sizeof node->node_name)),
-                            node->node_name);
+    vga_display_info_dialog(
+        window != nullptr ? window : gvga_main_dialog, window != nullptr ? 282 : 283,
+        "remndcpsessnote", nullptr, 0, "es cs", int{sizeof rem_sys->cp_name}, rem_sys->cp_name,
+        static_cast<int>(strnlen(node->node_name, sizeof node->node_name)), node->node_name);
     rem_sys->check_mark = 0;
     vga_delete_vga_rem_sys(rem_sys, true, false, true);
 }

@@ -34,6 +34,8 @@ vga_node* vga_init_vga_node(const NODE_ALL_ENTRY* entry);
 vga_node* vga_insert_vga_node(vga_node* node);
 vga_sna_net_node* vga_init_sna_net_node(const SNA_NET_ENTRY* entry);
 vga_sna_net_node* vga_insert_sna_net_node(vga_sna_net_node* node);
+// Keeps the node's defaults of APPC over IP. False: exit code 1 is set.
+bool vga_add_ipbridge_appcip_defaults(vga_node* node, const IPBRIDGE_APPCIP_DEFAULTS* defaults);
 // The node of a name (128 characters), of a connection, of a TP load-information file; or null.
 vga_node* vga_find_node(const char* node_name);
 vga_node* vga_find_node_by_handle(NB_HANDLE node_handle);

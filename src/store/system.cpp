@@ -230,6 +230,19 @@ vga_sna_net_node* vga_insert_sna_net_node(vga_sna_net_node* node) {
     return old;
 }
 
+bool vga_add_ipbridge_appcip_defaults(vga_node* node, const IPBRIDGE_APPCIP_DEFAULTS* defaults) {
+    if (node->appcip_defaults == nullptr) {
+        node->appcip_defaults = vga_new<IPBRIDGE_APPCIP_DEFAULTS>();
+        if (node->appcip_defaults == nullptr) {
+            VGA_FATAL(VGA_EXIT_INTERNAL, 0);
+            return false;
+        }
+    }
+    *node->appcip_defaults = *defaults;
+    vga_update_row(&node->appcip_root, &node->appcip_title);
+    return true;
+}
+
 // ---- capabilities ----
 
 bool vga_node_has_dspu(const vga_node* node) {

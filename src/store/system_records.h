@@ -2,6 +2,7 @@
 #pragma once
 
 #include "common/avl.h"
+#include "nof/ipbridge.h"
 #include "nof/node.h"
 #include "nof/tn3270.h"
 #include "store/connectivity_records.h"
@@ -227,8 +228,8 @@ struct vga_node {
     vga_viewer appcip_title;
     vga_viewer viewer; // in the system window
 
-    NBA_QUEUE rtp_conn_dialog_root_lqe; // open RTP connection status dialogs
-    void* appcip_defaults;              // own block, null: none
+    NBA_QUEUE rtp_conn_dialog_root_lqe;        // open RTP connection status dialogs
+    IPBRIDGE_APPCIP_DEFAULTS* appcip_defaults; // own block, null: none
     vga_lu62* cp_lu;
     vga_lu62_timeout* global_timeout;
     vga_port* dlur_fake_port;

@@ -1,9 +1,9 @@
 // What all list queries have in common: issue, and the check and the walk through a page.
+#include "store/query.h"
 #include "common/names.h"
 #include "nof/extra_data.h"
 #include "nof/security.h"
 #include "shell/globals.h"
-#include "store/query.h"
 #include "store/record_util.h"
 
 namespace {
