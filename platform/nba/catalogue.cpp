@@ -2,6 +2,9 @@
 
 #include <clocale>
 #include <cstdlib>
+#include <cstring>
+#include <fstream>
+#include <iterator>
 #include <nl_types.h>
 #include <string>
 #include <string_view>
@@ -61,11 +64,41 @@ std::string expand(std::string_view pattern, std::string_view locale) {
                                                : file; // a name without "/" would be searched
 }
 
+// catgets trusts its file, and a damaged one could crash the program. This is what it relies on: a header of magic number,
+// hash table width and depth; the table of {set, message, offset} in both byte orders; texts that end within the file.
+bool is_whole(const std::string& file) {
+    constexpr NB_ULONG magic = 0x960408de;
+    std::ifstream in(file, std::ios::binary);
+    const std::string bytes((std::istreambuf_iterator<char>(in)), {});
+    const auto word = [&](std::size_t index) {
+        NB_ULONG value;
+        std::memcpy(&value, bytes.data() + index * sizeof value, sizeof value);
+        return value;
+    };
+    constexpr std::size_t header = 3; // words
+    if (bytes.size() < header * sizeof(NB_ULONG) || word(0) != magic || bytes.back() != '\0') {
+        return false;
+    }
+    const std::size_t rows = std::size_t{word(1)} * word(2);
+    const std::size_t table = 3 * rows; // words
+    if (rows == 0 || rows > bytes.size() || bytes.size() <= (header + 2 * table) * sizeof(NB_ULONG)) {
+        return false;
+    }
+    const std::size_t texts = bytes.size() - (header + 2 * table) * sizeof(NB_ULONG);
+    for (std::size_t row = 0; row < rows; ++row) {
+        if (word(header + 3 * row) != 0 && word(header + 3 * row + 2) >= texts) {
+            return false;
+        }
+    }
+    return true;
+}
+
 // Opens the first file of a search path (templates separated by ":") that is a catalogue.
 bool open_in_path(std::string_view path, std::string_view locale, NBA_CATALOGUE* catalogue) {
     while (true) {
         const std::size_t end = path.find(':');
-        const nl_catd found = catopen(expand(path.substr(0, end), locale).c_str(), 0);
+        const std::string file = expand(path.substr(0, end), locale);
+        const nl_catd found = is_whole(file) ? catopen(file.c_str(), 0) : reinterpret_cast<nl_catd>(-1);
         if (found != reinterpret_cast<nl_catd>(-1)) {
             *catalogue = reinterpret_cast<NBA_CATALOGUE>(found);
             return true;

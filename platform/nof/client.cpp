@@ -41,6 +41,7 @@ struct Request {
 struct Client {
     Link link;
     bool opened = false;
+    bool ended = false;           // by nof_terminate; until the event loop is named again
     bool lost = false;            // once opened: the link is gone, for good
     bool indication_owed = false; // the link-loss indication is still to be delivered
     std::size_t checked = 0; // bytes of whole and well-formed frames at the head of the input queue
@@ -440,11 +441,13 @@ NB_USHORT nof_async_version(int level, NB_HANDLE target, void* vcb, NOF_CALLBACK
     if (level != NOF_API_LEVEL || verb == nullptr || (verb->flags & NBA_VERB_INDICATION) != 0) {
         return complete_at_once(vcb, NAP_INVALID_VERB, NAP_RC_NONE);
     }
+    if (client.ended) {
+        return complete_at_once(vcb, NAP_INDICATION, NAP_LINK_LOST);
+    }
     client.indication_callback = callback;
     open_link();
     if (!client.lost) {
-        read_link(); // a list of immediate opcodes, or the end of the link, counts as soon as it is
-                     // there
+        read_link(); // a list of immediate opcodes, or the end of the link, counts as soon as it is there
     }
     if (client.lost) {
         wake_if_deliverable();
@@ -472,6 +475,7 @@ void vpm_asm_use_xt_sched(XtAppContext app_context, VPM_ADD_INPUT add_input,
     client.app = app_context;
     client.add_input = add_input;
     client.remove_input = remove_input;
+    client.ended = false;
     register_inputs();
 }
 
@@ -480,24 +484,19 @@ void vpm_set_io_limit(int limit) {
 }
 
 void nof_terminate() {
-    if (!client.opened) {
-        return;
+    if (client.opened) {
+        remove_input(&client.read_input);
+        remove_input(&client.write_input);
+        remove_input(&client.wake_input);
+        while (Request* request = static_cast<Request*>(nba_get_q_head(&client.outstanding))) {
+            forget(request);
+        }
+        link_free(&client.link);
+        close(client.wake_fd);
+        end_private_service();
     }
-    remove_input(&client.read_input);
-    remove_input(&client.write_input);
-    remove_input(&client.wake_input);
-    while (Request* request = static_cast<Request*>(nba_get_q_head(&client.outstanding))) {
-        forget(request);
-    }
-    link_free(&client.link);
-    close(client.wake_fd);
-    end_private_service();
-    Client fresh;
-    fresh.app = client.app;
-    fresh.add_input = client.add_input;
-    fresh.remove_input = client.remove_input;
-    fresh.io_limit = client.io_limit;
-    client = fresh;
+    client = Client{};
+    client.ended = true;
 }
 
 int vsm_is_client_server() {

@@ -37,8 +37,8 @@ protected:
     static void SetUpTestSuite() {
         XtToolkitInitialize();
         app = XtCreateApplicationContext();
-        vpm_asm_use_xt_sched(app, XtAppAddInput, XtRemoveInput);
     }
+    void SetUp() override { vpm_asm_use_xt_sched(app, XtAppAddInput, XtRemoveInput); }
     static void TearDownTestSuite() { XtDestroyApplicationContext(app); }
     void TearDown() override {
         nof_terminate();

@@ -74,6 +74,9 @@ TEST_F(PrivateService, ServesAndEndsWithTheLibrary) {
 TEST_F(PrivateService, AServiceThatCannotStartIsALostLink) {
     for (const char* program : {"/bin/false", "/nonexistent"}) {
         setenv("TESSALY_SIMNODE", program, 1);
+        XtToolkitInitialize();
+        const XtAppContext app = XtCreateApplicationContext();
+        vpm_asm_use_xt_sched(app, XtAppAddInput, XtRemoveInput);
         START_DLC block{};
         block.header.opcode = NAP_START_DLC;
         EXPECT_EQ(nof_async_version(
@@ -82,6 +85,7 @@ TEST_F(PrivateService, AServiceThatCannotStartIsALostLink) {
         EXPECT_EQ(block.header.primary_rc, NAP_INDICATION);
         EXPECT_EQ(block.header.secondary_rc, NAP_LINK_LOST);
         nof_terminate();
+        XtDestroyApplicationContext(app);
     }
 }
 
