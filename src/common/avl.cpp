@@ -31,9 +31,12 @@ void prefetch_links(const Node* node) {
     __builtin_prefetch(&node->l_height);
 }
 
+// The node may be null, whose neighbourhood is no memory: addresses are computed as numbers, and fetching ahead from a
+// wrong one does nothing.
 void prefetch(const Node* node, std::ptrdiff_t key) {
-    __builtin_prefetch(reinterpret_cast<const char*>(node) + sizeof(Node) - sizeof(void*));
-    __builtin_prefetch(reinterpret_cast<const char*>(node) + key);
+    const auto address = reinterpret_cast<std::uintptr_t>(node);
+    __builtin_prefetch(reinterpret_cast<const void*>(address + sizeof(Node) - sizeof(void*)));
+    __builtin_prefetch(reinterpret_cast<const void*>(address + static_cast<std::uintptr_t>(key)));
 }
 
 // The two sides of a node, so that what is done to one side is written once for both.

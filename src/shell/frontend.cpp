@@ -65,6 +65,14 @@ bool open_uid_file() {
     return false;
 }
 
+// Lets the toolkit find the program's colours and fonts where they are installed, after the site's own.
+void set_app_defaults_path() {
+    char path[PATH_MAX];
+    std::snprintf(path, sizeof path, "/etc/X11/%%L/%%T/%%N:/etc/X11/%%T/%%N:%s/%%L/%%T/%%N:%s/%%T/%%N", uid_base,
+                  uid_base);
+    setenv("XFILESEARCHPATH", path, 0);
+}
+
 // The display is gone: nothing can be shown and Xlib will not return. The node link is closed in good order.
 int lose_display(Display*) {
     nba_pd_print_problem(0x40020001, 0, "s", "connection to the X display lost");
@@ -118,6 +126,7 @@ bool vga_initialise_frontend(int* argc, char** argv) {
     if (!vga_load_messages()) {
         return false;
     }
+    set_app_defaults_path();
     MrmInitialize();
     XtSetLanguageProc(nullptr, nullptr, nullptr);
     static char fallback[] = "*fontList: Fixed";

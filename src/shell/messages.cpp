@@ -289,17 +289,18 @@ void vga_tab_msg(char* output, const char* input) {
 }
 
 void vga_print_usage(bool report_bad_argument, char** argv) {
-    if (v0_initialise_message_catalog(&gvga_catalog) != 0) {
-        gvga_catalog = -1;
+    // A catalogue of its own: a bad argument is found while the program's is open.
+    NBA_CATALOGUE catalogue = -1;
+    if (v0_initialise_message_catalog(&catalogue) != 0) {
         nba_pd_print_problem(catalogue_problem, 0, "s", catalogue_path);
         VGA_FATAL(VGA_EXIT_START, 0);
         return;
     }
     gvga_setid = VGA_MESSAGE_SET;
     // Null, with the problem logged and the run ended, when the message is missing.
-    const auto get = [](int number, int subcode) {
+    const auto get = [catalogue](int number, int subcode) {
         const char* text = nullptr;
-        v0_get_message(gvga_setid, number, &text, gvga_catalog);
+        v0_get_message(gvga_setid, number, &text, catalogue);
         if (text == nullptr) {
             nba_pd_print_problem(catalogue_problem, subcode, "s", catalogue_path);
             VGA_FATAL(VGA_EXIT_START, 0);
@@ -319,6 +320,5 @@ void vga_print_usage(bool report_bad_argument, char** argv) {
     if (const char* text = get(611, 2); text != nullptr) {
         nb_printf("%s", text);
     }
-    v0_close_message_catalog(&gvga_catalog);
-    gvga_catalog = -1;
+    v0_close_message_catalog(&catalogue);
 }
