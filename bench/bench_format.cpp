@@ -1,5 +1,5 @@
-// The message formatter and the row texts: time per call beside snprintf, and allocations per call, of which there are to
-// be none.
+// The message formatter and the row texts: time per call beside snprintf, and allocations per call,
+// of which there are to be none.
 #include "nof/connectivity.h"
 #include "shell/messages.h"
 
@@ -47,7 +47,8 @@ void expand_columns() {
 }
 
 void print_plain() {
-    std::snprintf(output, sizeof output, "%-8.8s%*sActive%*s%s", "ETH0    ", 10, "", 16, "", "Trading floor backbone");
+    std::snprintf(output, sizeof output, "%-8.8s%*sActive%*s%s", "ETH0    ", 10, "", 16, "",
+                  "Trading floor backbone");
     benchmark::DoNotOptimize(output);
 }
 
@@ -59,7 +60,8 @@ double median_nanoseconds(void (*function)()) {
         for (int i = 0; i < calls; ++i) {
             function();
         }
-        const std::chrono::duration<double, std::nano> time = std::chrono::steady_clock::now() - start;
+        const std::chrono::duration<double, std::nano> time =
+            std::chrono::steady_clock::now() - start;
         times.push_back(time.count() / calls);
     }
     std::ranges::nth_element(times, times.begin() + 10);
@@ -73,7 +75,8 @@ int main() {
         const char* name;
         void (*function)();
     };
-    const CASE cases[] = {{"local_field", format_row}, {"ebcdic_field", format_ebcdic}, {"columns", expand_columns}};
+    const CASE cases[] = {
+        {"local_field", format_row}, {"ebcdic_field", format_ebcdic}, {"columns", expand_columns}};
     bool over = false;
     const double plain = median_nanoseconds(print_plain);
     for (const CASE& c : cases) {
@@ -84,8 +87,10 @@ int main() {
         }
         const unsigned long made = allocations - before;
         over |= made != 0;
-        std::printf("bench_format %s_allocations %lu 0 %s\n", c.name, made, made == 0 ? "ok" : "over");
-        std::printf("bench_format %s_time %.2f - ok (%.0f ns; snprintf %.0f ns)\n", c.name, time / plain, time, plain);
+        std::printf("bench_format %s_allocations %lu 0 %s\n", c.name, made,
+                    made == 0 ? "ok" : "over");
+        std::printf("bench_format %s_time %.2f - ok (%.0f ns; snprintf %.0f ns)\n", c.name,
+                    time / plain, time, plain);
     }
     return over;
 }

@@ -64,8 +64,9 @@ std::string expand(std::string_view pattern, std::string_view locale) {
                                                : file; // a name without "/" would be searched
 }
 
-// catgets trusts its file, and a damaged one could crash the program. This is what it relies on: a header of magic number,
-// hash table width and depth; the table of {set, message, offset} in both byte orders; texts that end within the file.
+// catgets trusts its file, and a damaged one could crash the program. This is what it relies on: a
+// header of magic number, hash table width and depth; the table of {set, message, offset} in both
+// byte orders; texts that end within the file.
 bool is_whole(const std::string& file) {
     constexpr NB_ULONG magic = 0x960408de;
     std::ifstream in(file, std::ios::binary);
@@ -81,7 +82,8 @@ bool is_whole(const std::string& file) {
     }
     const std::size_t rows = std::size_t{word(1)} * word(2);
     const std::size_t table = 3 * rows; // words
-    if (rows == 0 || rows > bytes.size() || bytes.size() <= (header + 2 * table) * sizeof(NB_ULONG)) {
+    if (rows == 0 || rows > bytes.size() ||
+        bytes.size() <= (header + 2 * table) * sizeof(NB_ULONG)) {
         return false;
     }
     const std::size_t texts = bytes.size() - (header + 2 * table) * sizeof(NB_ULONG);
@@ -98,7 +100,8 @@ bool open_in_path(std::string_view path, std::string_view locale, NBA_CATALOGUE*
     while (true) {
         const std::size_t end = path.find(':');
         const std::string file = expand(path.substr(0, end), locale);
-        const nl_catd found = is_whole(file) ? catopen(file.c_str(), 0) : reinterpret_cast<nl_catd>(-1);
+        const nl_catd found =
+            is_whole(file) ? catopen(file.c_str(), 0) : reinterpret_cast<nl_catd>(-1);
         if (found != reinterpret_cast<nl_catd>(-1)) {
             *catalogue = reinterpret_cast<NBA_CATALOGUE>(found);
             return true;

@@ -42,6 +42,7 @@ struct Client {
     Link link;
     bool opened = false;
     bool ended = false;           // by nof_terminate; until the event loop is named again
+    bool delivering = false;      // inside deliver(), which has just read the socket
     bool lost = false;            // once opened: the link is gone, for good
     bool indication_owed = false; // the link-loss indication is still to be delivered
     std::size_t checked = 0; // bytes of whole and well-formed frames at the head of the input queue
@@ -309,11 +310,13 @@ bool deliver_loss() {
 
 // One turn of the event loop.
 void deliver() {
+    client.delivering = true;
     for (int delivered = 0; delivered < client.io_limit; ++delivered) {
         if (!deliver_frame() && !(client.lost && deliver_loss())) {
             break;
         }
     }
+    client.delivering = false;
     wake_if_deliverable();
 }
 
@@ -446,8 +449,8 @@ NB_USHORT nof_async_version(int level, NB_HANDLE target, void* vcb, NOF_CALLBACK
     }
     client.indication_callback = callback;
     open_link();
-    if (!client.lost) {
-        read_link(); // a list of immediate opcodes, or the end of the link, counts as soon as it is there
+    if (!client.lost && !client.delivering) {
+        read_link(); // a list of immediate opcodes, or the end of the link, counts at once
     }
     if (client.lost) {
         wake_if_deliverable();

@@ -54,7 +54,8 @@ bool open_uid_file() {
     char name[] = "tessalydlg.uid";
     char* names[] = {name};
     v0_set_uidpath(uid_base, application_class, application_class, gvga_display);
-    if (MrmOpenHierarchyPerDisplay(gvga_display, 1, names, nullptr, &gvga_uid_hierarchy) == MrmSUCCESS) {
+    if (MrmOpenHierarchyPerDisplay(gvga_display, 1, names, nullptr, &gvga_uid_hierarchy) ==
+        MrmSUCCESS) {
         return true;
     }
     gvga_uid_hierarchy = nullptr;
@@ -65,15 +66,18 @@ bool open_uid_file() {
     return false;
 }
 
-// Lets the toolkit find the program's colours and fonts where they are installed, after the site's own.
+// Lets the toolkit find the program's colours and fonts where they are installed, after the site's
+// own.
 void set_app_defaults_path() {
     char path[PATH_MAX];
-    std::snprintf(path, sizeof path, "/etc/X11/%%L/%%T/%%N:/etc/X11/%%T/%%N:%s/%%L/%%T/%%N:%s/%%T/%%N", uid_base,
+    std::snprintf(path, sizeof path,
+                  "/etc/X11/%%L/%%T/%%N:/etc/X11/%%T/%%N:%s/%%L/%%T/%%N:%s/%%T/%%N", uid_base,
                   uid_base);
     setenv("XFILESEARCHPATH", path, 0);
 }
 
-// The display is gone: nothing can be shown and Xlib will not return. The node link is closed in good order.
+// The display is gone: nothing can be shown and Xlib will not return. The node link is closed in
+// good order.
 int lose_display(Display*) {
     nba_pd_print_problem(0x40020001, 0, "s", "connection to the X display lost");
     nof_terminate();
@@ -85,7 +89,8 @@ int lose_display(Display*) {
 bool vga_add_params_to_command_line(int argc, char** argv, int* new_argc, char*** new_argv) {
     static char option[] = "-xrm";
     static char value[] = "*enableEtchedInMenu: False";
-    auto** vector = static_cast<char**>(vga_alloc((static_cast<std::size_t>(argc) + 3) * sizeof(char*)));
+    auto** vector =
+        static_cast<char**>(vga_alloc((static_cast<std::size_t>(argc) + 3) * sizeof(char*)));
     if (vector == nullptr) {
         *new_argc = argc;
         *new_argv = argv;
@@ -102,7 +107,8 @@ bool vga_add_params_to_command_line(int argc, char** argv, int* new_argc, char**
     return true;
 }
 
-void v0_set_uidpath(const char* base_dir, const char* class_name, const char* application, Display* display) {
+void v0_set_uidpath(const char* base_dir, const char* class_name, const char* application,
+                    Display* display) {
     if (std::getenv("UIDPATH") != nullptr) {
         return;
     }
@@ -112,8 +118,8 @@ void v0_set_uidpath(const char* base_dir, const char* class_name, const char* ap
     }
     char v0_uidpath[PATH_MAX];
     if (lang != nullptr) {
-        std::snprintf(v0_uidpath, sizeof v0_uidpath, "%s/%s/uid/%s/%%U:%s/uid/%s/%%U", base_dir, lang, class_name,
-                      base_dir, class_name);
+        std::snprintf(v0_uidpath, sizeof v0_uidpath, "%s/%s/uid/%s/%%U:%s/uid/%s/%%U", base_dir,
+                      lang, class_name, base_dir, class_name);
     } else {
         std::snprintf(v0_uidpath, sizeof v0_uidpath, "%s/uid/%s/%%U", base_dir, class_name);
     }

@@ -7,8 +7,8 @@ VGA_LEAD_DIALOG gvga_lead_dialogs[VGA_LEAD_COUNT] = {
 };
 
 NB_USHORT gvga_platform;
-NB_USHORT gvga_impl_sdlc, gvga_impl_qllc, gvga_impl_tr, gvga_impl_ether, gvga_impl_fddi, gvga_impl_fr,
-    gvga_impl_chnl, gvga_impl_ip, gvga_impl_mpc, gvga_impl_mpc_plus;
+NB_USHORT gvga_impl_sdlc, gvga_impl_qllc, gvga_impl_tr, gvga_impl_ether, gvga_impl_fddi,
+    gvga_impl_fr, gvga_impl_chnl, gvga_impl_ip, gvga_impl_mpc, gvga_impl_mpc_plus;
 
 NB_USHORT gvga_variant_a;
 NB_USHORT gvga_variant_b;

@@ -1,3 +1,5 @@
 #include "shell/start.h"
 
-int main(int argc, char** argv) { return vga_run(argc, argv); }
+int main(int argc, char** argv) {
+    return vga_run(argc, argv);
+}

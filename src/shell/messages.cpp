@@ -47,11 +47,13 @@ constexpr FORMAT_ROW formats[] = {
     {"es", SOURCE::FIELD, nullptr, 0, true, true},
 };
 
-bool is_digit(char c) { return c >= '0' && c <= '9'; }
+bool is_digit(char c) {
+    return c >= '0' && c <= '9';
+}
 
 // The converted arguments of one call. What no longer fits is cut.
 class WORK_AREA {
-  public:
+public:
     void add_integer(const FORMAT_ROW& format, NB_ULONG value) {
         char text[16];
         const int length = std::snprintf(text, sizeof text, format.print, value & format.mask);
@@ -89,10 +91,11 @@ class WORK_AREA {
         if (number < 1 || number > count_) {
             return {};
         }
-        return {text_ + starts_[number - 1], static_cast<std::size_t>(starts_[number] - starts_[number - 1])};
+        return {text_ + starts_[number - 1],
+                static_cast<std::size_t>(starts_[number] - starts_[number - 1])};
     }
 
-  private:
+private:
     char* position() { return text_ + end_; }
     std::size_t room() const { return sizeof text_ - end_; }
     void append(const char* text, std::size_t length) {
@@ -239,7 +242,8 @@ void vga_print_msg(char* output, const char* message_text, const char* descripto
     va_end(arguments);
 }
 
-void vga_print_msg_va(char* output, const char* message_text, const char* descriptor, va_list arguments) {
+void vga_print_msg_va(char* output, const char* message_text, const char* descriptor,
+                      va_list arguments) {
     WORK_AREA work;
     convert_arguments(work, descriptor, arguments);
     const char* text = message_text;

@@ -24,11 +24,11 @@ struct IMPLEMENTATION {
     NB_USHORT* value;
 };
 constexpr IMPLEMENTATION implementations[] = {
-    {NAP_DLC_SDLC, &gvga_impl_sdlc},        {NAP_DLC_QLLC, &gvga_impl_qllc},
-    {NAP_DLC_TOKEN_RING, &gvga_impl_tr},    {NAP_DLC_FDDI, &gvga_impl_fddi},
-    {NAP_DLC_ETHERNET, &gvga_impl_ether},   {NAP_DLC_FRAME_RELAY, &gvga_impl_fr},
-    {NAP_DLC_CHANNEL, &gvga_impl_chnl},     {NAP_DLC_IP, &gvga_impl_ip},
-    {NAP_DLC_MPC, &gvga_impl_mpc},          {NAP_DLC_MPC_PLUS, &gvga_impl_mpc_plus},
+    {NAP_DLC_SDLC, &gvga_impl_sdlc},      {NAP_DLC_QLLC, &gvga_impl_qllc},
+    {NAP_DLC_TOKEN_RING, &gvga_impl_tr},  {NAP_DLC_FDDI, &gvga_impl_fddi},
+    {NAP_DLC_ETHERNET, &gvga_impl_ether}, {NAP_DLC_FRAME_RELAY, &gvga_impl_fr},
+    {NAP_DLC_CHANNEL, &gvga_impl_chnl},   {NAP_DLC_IP, &gvga_impl_ip},
+    {NAP_DLC_MPC, &gvga_impl_mpc},        {NAP_DLC_MPC_PLUS, &gvga_impl_mpc_plus},
 };
 
 void set_implementations() {
@@ -39,7 +39,8 @@ void set_implementations() {
         if (card.platform == 0) {
             break;
         }
-        const auto row = std::ranges::find(implementations, card.protocol, &IMPLEMENTATION::protocol);
+        const auto row =
+            std::ranges::find(implementations, card.protocol, &IMPLEMENTATION::protocol);
         if (card.platform == gvga_platform && row != std::end(implementations)) {
             *row->value = card.card_type;
         }
@@ -55,14 +56,16 @@ void copy_cut(char* buffer, std::size_t size, const char* text, std::size_t leng
 
 } // namespace
 
-bool vga_get_resource_string(const char* name, const char* default_value, char* buffer, std::size_t size) {
+bool vga_get_resource_string(const char* name, const char* default_value, char* buffer,
+                             std::size_t size) {
     if (std::strlen(name) < max_name) {
         char full_name[64];
         std::snprintf(full_name, sizeof full_name, "%s%s", application_class, name);
         char* type;
         XrmValue value;
         if (gvga_resource_database != nullptr &&
-            XrmGetResource(gvga_resource_database, full_name, full_name, &type, &value) && value.addr != nullptr) {
+            XrmGetResource(gvga_resource_database, full_name, full_name, &type, &value) &&
+            value.addr != nullptr) {
             const std::size_t length = strnlen(value.addr, value.size);
             if (length < size) {
                 copy_cut(buffer, size, value.addr, length);
@@ -82,7 +85,8 @@ bool vga_get_resource_bool(const char* name, bool default_value) {
     return std::strpbrk(value, "Yy") != nullptr;
 }
 
-NB_ULONG vga_get_resource_ulong(const char* name, NB_ULONG default_value, NB_ULONG min, NB_ULONG max) {
+NB_ULONG vga_get_resource_ulong(const char* name, NB_ULONG default_value, NB_ULONG min,
+                                NB_ULONG max) {
     char text[max_value];
     if (!vga_get_resource_string(name, "", text, sizeof text) || text[0] == '\0') {
         return default_value;

@@ -12,7 +12,8 @@ namespace {
 
 bool shutdown_idle = true; // no step of the shutdown is being taken
 
-// Releases the first holder of a handle; vga_process_shutdown goes on when it is done. False when nothing is left.
+// Releases the first holder of a handle; vga_process_shutdown goes on when it is done. False when
+// nothing is left.
 bool release_next(bool with_configuration) {
     if (with_configuration && gvga_system->config_file_handle != 0) {
         vga_free_system_resources(false, vga_process_shutdown);
@@ -32,13 +33,16 @@ bool release_next(bool with_configuration) {
     return false;
 }
 
-void vga_error_exit_cb(vga_dialog*, NB_ULONG, NB_ULONG) { gvga_exit_code = VGA_EXIT_ORDERLY; }
+void vga_error_exit_cb(vga_dialog*, NB_ULONG, NB_ULONG) {
+    gvga_exit_code = VGA_EXIT_ORDERLY;
+}
 
 void log_fatal(NB_LONG code) {
     if (code == VGA_EXIT_INTERNAL) {
         nba_pd_print_problem(0x40020001, 0, "s i", gvga_exit_file, gvga_exit_line);
     } else if (code != VGA_EXIT_QUERY && code != VGA_EXIT_NO_NODE && code != VGA_EXIT_SHUTDOWN) {
-        nba_pd_print_problem(0x40020000, 0, "x x s i", code, gvga_exit_subcode, gvga_exit_file, gvga_exit_line);
+        nba_pd_print_problem(0x40020000, 0, "x x s i", code, gvga_exit_subcode, gvga_exit_file,
+                             gvga_exit_line);
     }
 }
 
@@ -46,8 +50,8 @@ void show_fatal(NB_LONG code) {
     vga_dialog* const parent = gvga_main_dialog;
     switch (code) {
     case VGA_EXIT_INTERNAL:
-        return vga_display_error_dialog(parent, 606, "fatalerror", vga_error_exit_cb, 0, "s i", gvga_exit_file,
-                                        gvga_exit_line);
+        return vga_display_error_dialog(parent, 606, "fatalerror", vga_error_exit_cb, 0, "s i",
+                                        gvga_exit_file, gvga_exit_line);
     case VGA_EXIT_QUERY:
         if (gvga_exit_subcode == NAP_OPEN_FILE) {
             return vga_display_error_dialog(parent, 610, "fatalerror", vga_error_exit_cb, 0, "");
@@ -59,8 +63,8 @@ void show_fatal(NB_LONG code) {
     case VGA_EXIT_SHUTDOWN:
         return vga_display_info_dialog(parent, 303, "systemshutdown", vga_error_exit_cb, 0, "");
     default:
-        return vga_display_error_dialog(parent, 604, "fatalerror", vga_error_exit_cb, 0, "x x s i", code,
-                                        gvga_exit_subcode, gvga_exit_file, gvga_exit_line);
+        return vga_display_error_dialog(parent, 604, "fatalerror", vga_error_exit_cb, 0, "x x s i",
+                                        code, gvga_exit_subcode, gvga_exit_file, gvga_exit_line);
     }
 }
 
@@ -82,7 +86,8 @@ bool vga_start_shutdown() {
 
 void vga_process_shutdown(VGA_COMPLETION* completion) {
     const VCB_HEADER& header = *vcb_header(completion->vcb);
-    const bool stopping = header.primary_rc == NAP_UNSUCCESSFUL && header.secondary_rc == NAP_SYSTEM_STOPPING;
+    const bool stopping =
+        header.primary_rc == NAP_UNSUCCESSFUL && header.secondary_rc == NAP_SYSTEM_STOPPING;
     if (stopping || !release_next(false)) {
         VGA_FATAL(VGA_EXIT_ORDERLY, 0);
     }
@@ -131,7 +136,8 @@ void vga_error_exit() {
         return;
     }
     log_fatal(code);
-    if (gvga_main_dialog == nullptr || !gvga_main_dialog->open || !XtIsRealized(gvga_main_dialog->shell)) {
+    if (gvga_main_dialog == nullptr || !gvga_main_dialog->open ||
+        !XtIsRealized(gvga_main_dialog->shell)) {
         return; // a box of a closed dialog is not shown
     }
     vga_display_hourglass(false);

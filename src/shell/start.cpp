@@ -43,8 +43,9 @@ bool asks_for_usage(int argc, char** argv) {
 }
 
 bool show_first_window() {
-    const bool shown = gvga_supported[VGA_SUPPORT_CLIENT_SERVER] ? vga_display_system_window(false)
-                                                                 : vga_display_node_window(nullptr, false);
+    const bool shown = gvga_supported[VGA_SUPPORT_CLIENT_SERVER]
+                           ? vga_display_system_window(false)
+                           : vga_display_node_window(nullptr, false);
     if (!shown) {
         VGA_FATAL(VGA_EXIT_START, 0);
         return false;

@@ -130,8 +130,9 @@ bool is_link_lost(const VCB_HEADER& vcb) {
 }
 
 bool is_indication(NB_USHORT opcode) {
-    return (opcode >= NAP_DIRECTORY_INDICATION && opcode <= 0x401B) || opcode == NAP_NOF_STATUS_INDICATION ||
-           opcode == NAP_SERVER_INDICATION || opcode == NAP_IPBRIDGE_INDICATION;
+    return (opcode >= NAP_DIRECTORY_INDICATION && opcode <= 0x401B) ||
+           opcode == NAP_NOF_STATUS_INDICATION || opcode == NAP_SERVER_INDICATION ||
+           opcode == NAP_IPBRIDGE_INDICATION;
 }
 
 void call(void (*handler)(VGA_COMPLETION*, void*), VGA_COMPLETION& completion) {
@@ -206,12 +207,13 @@ bool has_barrier(NB_HANDLE target) {
 // True when the library completed the verb during the call.
 bool issue(VGA_QUEUE_ENTRY* entry) {
     entry->issued = 1;
-    return nof_async_version(NOF_API_LEVEL, entry->target, entry->vcb, vga_nof_verb_callback, entry->corr) ==
-           NOF_COMPLETED;
+    return nof_async_version(NOF_API_LEVEL, entry->target, entry->vcb, vga_nof_verb_callback,
+                             entry->corr) == NOF_COMPLETED;
 }
 
-// Issues what waited for the last barrier of a target. A verb that completes at once is processed before the next one
-// goes out; its callback may have changed the queue, so the walk starts again, and stops at a barrier it has made.
+// Issues what waited for the last barrier of a target. A verb that completes at once is processed
+// before the next one goes out; its callback may have changed the queue, so the walk starts again,
+// and stops at a barrier it has made.
 void issue_waiting(NB_HANDLE target) {
     VGA_QUEUE_ENTRY* entry = has_barrier(target) ? nullptr : first_entry(gvga_nof_queue);
     while (entry != nullptr) {
@@ -230,15 +232,17 @@ void free_entry(VGA_QUEUE_ENTRY* entry) {
     vga_free(entry);
 }
 
-bool matches(const VGA_QUEUE_ENTRY& entry, NB_HANDLE target, NB_USHORT opcode, const void* vcb, NB_ULONG corr,
-             VGA_CALLBACK callback) {
-    return (target == 0 || entry.target == target) && (opcode == 0 || vcb_header(entry.vcb)->opcode == opcode) &&
+bool matches(const VGA_QUEUE_ENTRY& entry, NB_HANDLE target, NB_USHORT opcode, const void* vcb,
+             NB_ULONG corr, VGA_CALLBACK callback) {
+    return (target == 0 || entry.target == target) &&
+           (opcode == 0 || vcb_header(entry.vcb)->opcode == opcode) &&
            (vcb == nullptr || entry.vcb == vcb) && (corr == 0 || entry.corr == corr) &&
            (callback == nullptr || entry.callback == callback);
 }
 
-// Windows that wait to be repainted are brought up to date before an answer changes the store. Asking the server for its
-// events would cost a round trip per answer, so this looks only at what has arrived already.
+// Windows that wait to be repainted are brought up to date before an answer changes the store.
+// Asking the server for its events would cost a round trip per answer, so this looks only at what
+// has arrived already.
 void flush_exposures() {
     if (gvga_display != nullptr && XPending(gvga_display) > 0) {
         XmUpdateDisplay(gvga_toplevel);
@@ -301,14 +305,16 @@ void vga_nof_verb_callback(NB_HANDLE handle, void* vcb, NB_ULONG correlator, int
     nba_remove_from_q(&entry->link);
     if (entry->callback == nullptr) {
         issue_waiting(entry->target);
-    } else if (header.primary_rc != NAP_UNSUCCESSFUL || header.secondary_rc != NAP_SYSTEM_STOPPING) {
+    } else if (header.primary_rc != NAP_UNSUCCESSFUL ||
+               header.secondary_rc != NAP_SYSTEM_STOPPING) {
         entry->callback(&completion);
     }
     vga_free_vcb(vcb);
     vga_free(entry);
 }
 
-void vga_purge_verb_queue(NB_HANDLE target, NB_USHORT opcode, const void* vcb, NB_ULONG corr, VGA_CALLBACK callback) {
+void vga_purge_verb_queue(NB_HANDLE target, NB_USHORT opcode, const void* vcb, NB_ULONG corr,
+                          VGA_CALLBACK callback) {
     VGA_QUEUE_ENTRY* next;
     for (auto* entry = first_entry(gvga_nof_queue); entry != nullptr; entry = next) {
         next = next_entry(entry);
@@ -331,7 +337,9 @@ void vga_free_verb_queues() {
     }
 }
 
-void* vga_get_querybuf(NB_ULONG size) { return vga_alloc(size != 0 ? size : gvga_querybuf_size); }
+void* vga_get_querybuf(NB_ULONG size) {
+    return vga_alloc(size != 0 ? size : gvga_querybuf_size);
+}
 
 void vga_free_querybuf(void* vcb) {
     const VCB_HEADER& header = *vcb_header(vcb);

@@ -28,8 +28,9 @@ void vga_web_temp_child_process(int message_number) {
 }
 
 void vga_display_web_site(int message_number) {
-    // The catcher clears the process id; blocking the signal around the fork keeps it from coming before the id is known.
-    // After a SIGTERM the signal is ignored, and the wait would never end without it.
+    // The catcher clears the process id; blocking the signal around the fork keeps it from coming
+    // before the id is known. After a SIGTERM the signal is ignored, and the wait would never end
+    // without it.
     const auto previous = std::signal(SIGCHLD, vga_signal_catcher);
     sigset_t child_signal;
     sigset_t before;

@@ -22,7 +22,8 @@ using CLOCK = std::chrono::steady_clock;
 
 template <typename FUNCTION> void each_dialog(FUNCTION function) {
     for (NBA_QUEUE& head : gvga_uid_instances) {
-        for (NBA_QUEUE* link = head.next; link != nullptr && link->owner != nullptr; link = link->next) {
+        for (NBA_QUEUE* link = head.next; link != nullptr && link->owner != nullptr;
+             link = link->next) {
             auto* dialog = static_cast<vga_dialog*>(link->owner);
             if (dialog->open) {
                 function(*dialog);
@@ -41,7 +42,8 @@ vga_dialog* dialog_with_box() {
     return found;
 }
 
-void collect(const NTL_AVL_TREE& items, int depth, bool collapsed_too, std::vector<std::string>& rows) {
+void collect(const NTL_AVL_TREE& items, int depth, bool collapsed_too,
+             std::vector<std::string>& rows) {
     for (auto* row = ntl_avl_last<vga_viewer>(items); row != nullptr;
          row = static_cast<vga_viewer*>(ntl_avl_prev(&row->node))) {
         char text[VGA_VIEWER_MAX_TEXT_LENGTH + 1] = "";
@@ -64,7 +66,8 @@ std::string fatal_message;
 XtIntervalId acknowledge_timer;
 
 void acknowledge(XtPointer, XtIntervalId*) {
-    if (const vga_dialog* dialog = dialog_with_box(); dialog != nullptr && XtIsManaged(dialog->modal_dlg.dialog)) {
+    if (const vga_dialog* dialog = dialog_with_box();
+        dialog != nullptr && XtIsManaged(dialog->modal_dlg.dialog)) {
         fatal_message = CONSOLE::message();
         XmAnyCallbackStruct call{XmCR_OK, nullptr};
         XtCallCallbacks(dialog->modal_dlg.dialog, XmNokCallback, &call);
@@ -74,7 +77,8 @@ void acknowledge(XtPointer, XtIntervalId*) {
 
 } // namespace
 
-CONSOLE::CONSOLE(const SERVICE& service, const std::vector<std::string>& options) : arguments_{"tessaly"} {
+CONSOLE::CONSOLE(const SERVICE& service, const std::vector<std::string>& options)
+    : arguments_{"tessaly"} {
     for (const auto& [name, value] : data_environment()) {
         setenv(name.c_str(), value.c_str(), 1);
     }
@@ -118,7 +122,8 @@ bool CONSOLE::wait(const std::function<bool()>& condition, int milliseconds) {
             return condition();
         }
         // A timer of our own keeps the step from blocking past the deadline.
-        const XtIntervalId timer = XtAppAddTimeOut(gvga_appcontext, 20, vga_null_timeout_proc, nullptr);
+        const XtIntervalId timer =
+            XtAppAddTimeOut(gvga_appcontext, 20, vga_null_timeout_proc, nullptr);
         vga_main_loop_step();
         XtRemoveTimeOut(timer);
     }
@@ -164,10 +169,13 @@ void CONSOLE::release() {
 }
 
 void CONSOLE::modify(unsigned modifiers, bool down) {
-    for (const auto& [mask, key] : {std::pair{ShiftMask, XK_Shift_L}, std::pair{ControlMask, XK_Control_L},
-                                    std::pair{Mod1Mask, XK_Alt_L}}) {
+    for (const auto& [mask, key] :
+         {std::pair{ShiftMask, XK_Shift_L}, std::pair{ControlMask, XK_Control_L},
+          std::pair{Mod1Mask, XK_Alt_L}}) {
         if ((modifiers & static_cast<unsigned>(mask)) != 0) {
-            XTestFakeKeyEvent(gvga_display, XKeysymToKeycode(gvga_display, static_cast<KeySym>(key)), down, CurrentTime);
+            XTestFakeKeyEvent(gvga_display,
+                              XKeysymToKeycode(gvga_display, static_cast<KeySym>(key)), down,
+                              CurrentTime);
         }
     }
 }
@@ -205,7 +213,8 @@ std::vector<std::string> CONSOLE::rows(vga_viewer_root& root, bool collapsed_too
 
 bool CONSOLE::click_row(vga_viewer_root& root, const std::string& part, unsigned modifiers) {
     const std::vector<std::string> shown = rows(root);
-    const auto row = std::ranges::find_if(shown, [&](const std::string& text) { return text.find(part) != std::string::npos; });
+    const auto row = std::ranges::find_if(
+        shown, [&](const std::string& text) { return text.find(part) != std::string::npos; });
     if (row == shown.end() || root.draw_widget == nullptr) {
         return false;
     }
@@ -225,7 +234,8 @@ std::string CONSOLE::message() {
     }
     XmString text;
     XtVaGetValues(dialog->modal_dlg.dialog, XmNmessageString, &text, nullptr);
-    auto* plain = static_cast<char*>(XmStringUnparse(text, nullptr, XmCHARSET_TEXT, XmCHARSET_TEXT, nullptr, 0, XmOUTPUT_ALL));
+    auto* plain = static_cast<char*>(
+        XmStringUnparse(text, nullptr, XmCHARSET_TEXT, XmCHARSET_TEXT, nullptr, 0, XmOUTPUT_ALL));
     std::string result = plain != nullptr ? plain : "";
     XtFree(plain);
     XmStringFree(text);
@@ -234,7 +244,9 @@ std::string CONSOLE::message() {
 
 bool CONSOLE::answer(const std::string& button) {
     const vga_dialog* dialog = dialog_with_box();
-    Widget child = dialog != nullptr ? XtNameToWidget(dialog->modal_dlg.dialog, ("*" + button).c_str()) : nullptr;
+    Widget child = dialog != nullptr
+                       ? XtNameToWidget(dialog->modal_dlg.dialog, ("*" + button).c_str())
+                       : nullptr;
     if (child == nullptr || !XtIsManaged(child)) {
         return false;
     }

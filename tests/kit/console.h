@@ -1,5 +1,6 @@
-// The whole console in the test's process, driven through the real X server: start it, wait, press keys and buttons, read
-// rows and messages. One console per process: every test of folder tool runs in a process of its own.
+// The whole console in the test's process, driven through the real X server: start it, wait, press
+// keys and buttons, read rows and messages. One console per process: every test of folder tool runs
+// in a process of its own.
 #pragma once
 
 #include "kit/service.h"
@@ -14,7 +15,7 @@
 namespace kit {
 
 class CONSOLE {
-  public:
+public:
     // Starts the program against a service; it builds the node as the event loop is pumped.
     explicit CONSOLE(const SERVICE& service, const std::vector<std::string>& options = {});
     ~CONSOLE(); // ends the run when the test did not
@@ -22,13 +23,15 @@ class CONSOLE {
     CONSOLE& operator=(const CONSOLE&) = delete;
 
     bool started() const { return started_; }
-    // Pumps the event loop until the condition holds, the program ends, or the deadline passes; whether it holds.
+    // Pumps the event loop until the condition holds, the program ends, or the deadline passes;
+    // whether it holds.
     bool wait(const std::function<bool()>& condition, int milliseconds = 20'000);
     // Until the node is built and its window is shown.
     bool wait_built();
     // Until no verb is outstanding and no event waits.
     bool wait_idle();
-    // The exit path; the program's status. Closes everything. A fatal message is acknowledged; *message gets its text.
+    // The exit path; the program's status. Closes everything. A fatal message is acknowledged;
+    // *message gets its text.
     int end(std::string* message = nullptr);
 
     Widget widget(const std::string& name); // of any open window or dialog; null when there is none
@@ -47,7 +50,7 @@ class CONSOLE {
     // Answers the message box: "OK", "Cancel", "confirmOKToAllButton", "confirmNoButton".
     bool answer(const std::string& button);
 
-  private:
+private:
     void modify(unsigned modifiers, bool down);
     VGA_RUN run_{};
     std::vector<std::string> arguments_;

@@ -20,7 +20,8 @@ struct SCRATCH {
     std::string path;
     pid_t owner = getpid();
     SCRATCH() {
-        std::string pattern = (std::filesystem::temp_directory_path() / "tessaly-test-XXXXXX").string();
+        std::string pattern =
+            (std::filesystem::temp_directory_path() / "tessaly-test-XXXXXX").string();
         path = mkdtemp(pattern.data());
     }
     ~SCRATCH() {
@@ -33,8 +34,8 @@ struct SCRATCH {
 
 } // namespace
 
-pid_t start(const std::vector<std::string>& arguments, const ENVIRONMENT& environment, int out_fd, int err_fd,
-            const std::vector<int>& keep) {
+pid_t start(const std::vector<std::string>& arguments, const ENVIRONMENT& environment, int out_fd,
+            int err_fd, const std::vector<int>& keep) {
     std::vector<char*> argv;
     for (const std::string& argument : arguments) {
         argv.push_back(const_cast<char*>(argument.c_str()));
@@ -74,7 +75,8 @@ int wait_for(pid_t child, std::chrono::seconds deadline) {
     return WIFEXITED(status) ? WEXITSTATUS(status) : -1 - WTERMSIG(status);
 }
 
-RESULT run(const std::vector<std::string>& arguments, const ENVIRONMENT& environment, std::chrono::seconds deadline) {
+RESULT run(const std::vector<std::string>& arguments, const ENVIRONMENT& environment,
+           std::chrono::seconds deadline) {
     int out[2], err[2];
     if (pipe2(out, O_CLOEXEC) != 0 || pipe2(err, O_CLOEXEC) != 0) {
         return {};

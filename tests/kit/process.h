@@ -9,7 +9,8 @@
 
 namespace kit {
 
-using ENVIRONMENT = std::vector<std::pair<std::string, std::string>>; // added to ours; an empty value unsets
+using ENVIRONMENT =
+    std::vector<std::pair<std::string, std::string>>; // added to ours; an empty value unsets
 
 struct RESULT {
     int status = -1; // exit status; -1 - signal when killed by one
@@ -22,8 +23,8 @@ RESULT run(const std::vector<std::string>& arguments, const ENVIRONMENT& environ
            std::chrono::seconds deadline = std::chrono::seconds(60));
 
 // Starts a program; ready_fd: a descriptor that the child keeps open under the same number, or -1.
-pid_t start(const std::vector<std::string>& arguments, const ENVIRONMENT& environment, int out_fd = -1,
-            int err_fd = -1, const std::vector<int>& keep = {});
+pid_t start(const std::vector<std::string>& arguments, const ENVIRONMENT& environment,
+            int out_fd = -1, int err_fd = -1, const std::vector<int>& keep = {});
 // Waits for the end of a child; kills it after the deadline. The exit status, or -1 - signal.
 int wait_for(pid_t child, std::chrono::seconds deadline);
 

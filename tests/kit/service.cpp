@@ -17,10 +17,11 @@ SERVICE::SERVICE(const std::vector<std::string>& options) {
     if (pipe2(ready, O_CLOEXEC) != 0) {
         return;
     }
-    std::vector<std::string> arguments{program("tessaly-simnode"), "--socket", socket_, "--ready-fd",
-                                       std::to_string(ready[1])};
+    std::vector<std::string> arguments{program("tessaly-simnode"), "--socket", socket_,
+                                       "--ready-fd", std::to_string(ready[1])};
     if (options.empty()) {
-        arguments.insert(arguments.end(), {"--domain", TESSALY_SOURCE_DIR "/data/domains/demo.toml"});
+        arguments.insert(arguments.end(),
+                         {"--domain", TESSALY_SOURCE_DIR "/data/domains/demo.toml"});
     }
     arguments.insert(arguments.end(), options.begin(), options.end());
     child_ = start(arguments, {}, -1, -1, {ready[1]});
@@ -32,7 +33,9 @@ SERVICE::SERVICE(const std::vector<std::string>& options) {
     EXPECT_TRUE(listening) << "the simulated node did not start";
 }
 
-SERVICE::~SERVICE() { kill(); }
+SERVICE::~SERVICE() {
+    kill();
+}
 
 void SERVICE::kill() {
     if (child_ > 0) {

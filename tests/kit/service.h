@@ -6,7 +6,7 @@
 namespace kit {
 
 class SERVICE {
-  public:
+public:
     // options: of tessaly-simnode, beside the socket; none: the example domain.
     explicit SERVICE(const std::vector<std::string>& options = {});
     ~SERVICE();
@@ -14,11 +14,12 @@ class SERVICE {
     SERVICE& operator=(const SERVICE&) = delete;
 
     const std::string& socket() const { return socket_; }
-    // Runs a tessaly-simctl command (words separated by blanks); its output. A failure fails the test.
+    // Runs a tessaly-simctl command (words separated by blanks); its output. A failure fails the
+    // test.
     std::string control(const std::string& command);
     void kill();
 
-  private:
+private:
     std::string socket_;
     pid_t child_ = -1;
 };

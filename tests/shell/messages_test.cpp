@@ -66,7 +66,8 @@ TEST(Formatter, ConvertsEveryKind) {
 }
 
 TEST(Formatter, TakesElevenArgumentsAndNoMore) {
-    EXPECT_EQ(print("%11 %12", "i i i i i i i i i i i i", 1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11, 12), "11 ");
+    EXPECT_EQ(print("%11 %12", "i i i i i i i i i i i i", 1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11, 12),
+              "11 ");
 }
 
 TEST(Formatter, CutsWhatTheWorkAreaCannotHold) {

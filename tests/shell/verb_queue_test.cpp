@@ -13,8 +13,8 @@
 #include <string>
 #include <vector>
 
-// The node operator library of these tests: it keeps what is sent, completes at once what it is told to, and the tests
-// answer the rest when they like.
+// The node operator library of these tests: it keeps what is sent, completes at once what it is
+// told to, and the tests answer the rest when they like.
 namespace {
 
 struct SENT {
@@ -37,7 +37,8 @@ void answer(void* vcb, NB_USHORT primary = NAP_OK, NB_ULONG secondary = 0) {
 
 } // namespace
 
-NB_USHORT nof_async_version(int level, NB_HANDLE target, void* vcb, NOF_CALLBACK, NB_ULONG correlator) {
+NB_USHORT nof_async_version(int level, NB_HANDLE target, void* vcb, NOF_CALLBACK,
+                            NB_ULONG correlator) {
     EXPECT_EQ(level, NOF_API_LEVEL);
     if (immediate.contains(vcb_header(vcb)->opcode)) {
         return NOF_COMPLETED;
@@ -48,14 +49,20 @@ NB_USHORT nof_async_version(int level, NB_HANDLE target, void* vcb, NOF_CALLBACK
 void vpm_asm_use_xt_sched(XtAppContext, VPM_ADD_INPUT, VPM_REMOVE_INPUT) {}
 void vpm_set_io_limit(int) {}
 void nof_terminate() {}
-int vsm_is_client_server() { return 0; }
+int vsm_is_client_server() {
+    return 0;
+}
 
 namespace {
 
 std::vector<NB_ULONG> completed; // correlators, in order
 
-void note(VGA_COMPLETION* completion) { completed.push_back(completion->corr); }
-void note_other(VGA_COMPLETION* completion) { completed.push_back(completion->corr + 1000); }
+void note(VGA_COMPLETION* completion) {
+    completed.push_back(completion->corr);
+}
+void note_other(VGA_COMPLETION* completion) {
+    completed.push_back(completion->corr + 1000);
+}
 
 struct VerbQueue : testing::Test {
     void SetUp() override {
@@ -83,7 +90,8 @@ struct VerbQueue : testing::Test {
         return block;
     }
     static void drain() {
-        while (auto* entry = static_cast<VGA_QUEUE_ENTRY*>(nba_get_q_head(&gvga_immediate_nof_queue))) {
+        while (auto* entry =
+                   static_cast<VGA_QUEUE_ENTRY*>(nba_get_q_head(&gvga_immediate_nof_queue))) {
             vga_nof_verb_callback(entry->target, entry->vcb, entry->corr, 0);
         }
     }
@@ -108,7 +116,8 @@ TEST_F(VerbQueue, APurgedVerbHoldsItsTargetBackUntilItCompletes) {
     vga_purge_verb_queue(0, 0, nullptr, 11, nullptr);
     void* waiting = define_port(1, 12);
     void* elsewhere = define_port(2, 13);
-    ASSERT_EQ(outstanding.size(), 3u) << "the verb of the purged target waits, the other target does not";
+    ASSERT_EQ(outstanding.size(), 3u)
+        << "the verb of the purged target waits, the other target does not";
     answer(elsewhere);
     answer(first);
     EXPECT_EQ(outstanding.size(), 1u) << "one barrier is left";
@@ -213,17 +222,36 @@ std::string routed;
 
 TEST_F(VerbQueue, BlocksOfOthersGoToTheirHandlers) {
     gvga_dispatch = {
-        [](VGA_COMPLETION*, void*) { routed = "indication"; },  [](VGA_COMPLETION*, void*) { routed = "nof"; },
-        [](VGA_COMPLETION*, void*) { routed = "server"; },      [](VGA_COMPLETION*, void*) { routed = "sna_net"; },
-        [](VGA_COMPLETION*, void*) { routed = "node_status"; }, [](VGA_COMPLETION*) { routed = "manage"; },
-        [](VGA_COMPLETION*) { routed = "system"; },             [](VGA_COMPLETION*) { routed = "node"; },
+        [](VGA_COMPLETION*, void*) { routed = "indication"; },
+        [](VGA_COMPLETION*, void*) { routed = "nof"; },
+        [](VGA_COMPLETION*, void*) { routed = "server"; },
+        [](VGA_COMPLETION*, void*) { routed = "sna_net"; },
+        [](VGA_COMPLETION*, void*) { routed = "node_status"; },
+        [](VGA_COMPLETION*) { routed = "manage"; },
+        [](VGA_COMPLETION*) { routed = "system"; },
+        [](VGA_COMPLETION*) { routed = "node"; },
     };
     const std::pair<int, const char*> rows[] = {
-        {0x4002, "indication"}, {0x4013, "indication"}, {0x401A, "indication"}, {0xFC12, "indication"},
-        {0xF019, "nof"},        {0xF01A, "server"},     {0xF077, "sna_net"},    {0xF008, "node_status"},
-        {0x2059, "node_status"}, {0x2031, "manage"},    {0x6003, "manage"},     {0x2062, "system"},
-        {0xF073, "system"},     {0x2040, "node"},       {0x0015, "node"},       {0xFC01, "node"},
-        {0xF0E2, "node"},       {0x1014, ""},           {0x4001, ""},           {0xF007, ""},
+        {0x4002, "indication"},
+        {0x4013, "indication"},
+        {0x401A, "indication"},
+        {0xFC12, "indication"},
+        {0xF019, "nof"},
+        {0xF01A, "server"},
+        {0xF077, "sna_net"},
+        {0xF008, "node_status"},
+        {0x2059, "node_status"},
+        {0x2031, "manage"},
+        {0x6003, "manage"},
+        {0x2062, "system"},
+        {0xF073, "system"},
+        {0x2040, "node"},
+        {0x0015, "node"},
+        {0xFC01, "node"},
+        {0xF0E2, "node"},
+        {0x1014, ""},
+        {0x4001, ""},
+        {0xF007, ""},
     };
     for (const auto& [opcode, handler] : rows) {
         routed.clear();
@@ -263,7 +291,8 @@ TEST_F(VerbQueue, WithoutMemoryTheBlockStaysWithTheCaller) {
     vga_free_vcb(block);
 }
 
-// Random verbs, purges and answers: nothing waits without a barrier, every unpurged verb's callback runs exactly once.
+// Random verbs, purges and answers: nothing waits without a barrier, every unpurged verb's callback
+// runs exactly once.
 TEST_F(VerbQueue, RandomTrafficLosesNothing) {
     std::mt19937 random(42);
     std::set<NB_ULONG> expected;

@@ -10,18 +10,34 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
-// What the console does when the node service fails it: it ends with a message that says so, and leaves nothing behind.
+// What the console does when the node service fails it: it ends with a message that says so, and
+// leaves nothing behind.
 namespace {
 
 using kit::CONSOLE;
 using kit::SERVICE;
 
 constexpr const char* build_verbs[] = {
-    "NAP_OPEN_FILE",         "NAP_SET_PROCESSING_MODE", "NAP_QUERY_CENTRAL_LOGGER", "NAP_REGISTER_INDICATION_SINK",
-    "NAP_QUERY_NODE_ALL",    "NAP_CONNECT_NODE",        "NAP_QUERY_NODE_LIMITS",    "NAP_QUERY_NODE",
-    "NAP_QUERY_DLC",         "NAP_QUERY_PORT",          "NAP_QUERY_LS",             "NAP_QUERY_PU",
-    "NAP_QUERY_LU_0_TO_3",   "NAP_QUERY_LOCAL_LU",      "NAP_QUERY_PARTNER_LU",     "NAP_QUERY_MODE",
-    "NAP_QUERY_DIRECTORY_ENTRY", "NAP_QUERY_PARTNER_LU_DEFINITION", "NAP_QUERY_COS", "NAP_QUERY_DEFAULTS",
+    "NAP_OPEN_FILE",
+    "NAP_SET_PROCESSING_MODE",
+    "NAP_QUERY_CENTRAL_LOGGER",
+    "NAP_REGISTER_INDICATION_SINK",
+    "NAP_QUERY_NODE_ALL",
+    "NAP_CONNECT_NODE",
+    "NAP_QUERY_NODE_LIMITS",
+    "NAP_QUERY_NODE",
+    "NAP_QUERY_DLC",
+    "NAP_QUERY_PORT",
+    "NAP_QUERY_LS",
+    "NAP_QUERY_PU",
+    "NAP_QUERY_LU_0_TO_3",
+    "NAP_QUERY_LOCAL_LU",
+    "NAP_QUERY_PARTNER_LU",
+    "NAP_QUERY_MODE",
+    "NAP_QUERY_DIRECTORY_ENTRY",
+    "NAP_QUERY_PARTNER_LU_DEFINITION",
+    "NAP_QUERY_COS",
+    "NAP_QUERY_DEFAULTS",
 };
 
 // The first words of a message's text, up to its first argument or line end.
@@ -47,7 +63,8 @@ TEST_P(BuildFault, TheServiceDiesWhileTheVerbIsOutstanding) {
     service.control(std::string("hold ") + GetParam());
     CONSOLE console(service);
     ASSERT_TRUE(console.started());
-    ASSERT_TRUE(console.wait([&] { return service.control("journal").find(GetParam()) != std::string::npos; }));
+    ASSERT_TRUE(console.wait(
+        [&] { return service.control("journal").find(GetParam()) != std::string::npos; }));
     service.kill();
     console.wait([] { return gvga_exit_code != 0; });
     EXPECT_EQ(gvga_exit_code, VGA_EXIT_INTERNAL);
@@ -115,11 +132,12 @@ TEST_P(LaterFault, EndsTheRunInWords) {
     expect_clean_end(console, 606);
 }
 
-INSTANTIATE_TEST_SUITE_P(Commands, LaterFault, testing::Values("kill", "link-loss", "drop"), [](const auto& info) {
-    std::string name = info.param;
-    std::replace(name.begin(), name.end(), '-', '_');
-    return name;
-});
+INSTANTIATE_TEST_SUITE_P(Commands, LaterFault, testing::Values("kill", "link-loss", "drop"),
+                         [](const auto& info) {
+                             std::string name = info.param;
+                             std::replace(name.begin(), name.end(), '-', '_');
+                             return name;
+                         });
 
 TEST(NodeFault, ABackLevelNodeCountsAsBuilt) {
     SERVICE service;
@@ -127,11 +145,13 @@ TEST(NodeFault, ABackLevelNodeCountsAsBuilt) {
     CONSOLE console(service);
     ASSERT_TRUE(console.started());
     ASSERT_TRUE(console.wait_built());
-    EXPECT_EQ(ntl_avl_first<vga_node>(gvga_system->node_tree)->node_state, VGA_NODE_STATE_BACK_LEVEL);
+    EXPECT_EQ(ntl_avl_first<vga_node>(gvga_system->node_tree)->node_state,
+              VGA_NODE_STATE_BACK_LEVEL);
     EXPECT_EQ(gvga_exit_code, 0);
 }
 
-// One run of a small build in a child process, under the failing allocator. 0: it ended in good order, 1: nothing failed.
+// One run of a small build in a child process, under the failing allocator. 0: it ended in good
+// order, 1: nothing failed.
 int run_without_memory(const SERVICE& service) {
     const pid_t child = fork();
     if (child == 0) {

@@ -8,7 +8,8 @@
 #include <fstream>
 #include <unistd.h>
 
-// The installed program as a user starts it: its options, and what it does when something it needs is missing.
+// The installed program as a user starts it: its options, and what it does when something it needs
+// is missing.
 namespace {
 
 using kit::ENVIRONMENT;
@@ -21,14 +22,16 @@ ENVIRONMENT with(ENVIRONMENT environment, const std::string& name, const std::st
     return environment;
 }
 
-RESULT tessaly(const std::vector<std::string>& options, const ENVIRONMENT& environment = kit::data_environment()) {
+RESULT tessaly(const std::vector<std::string>& options,
+               const ENVIRONMENT& environment = kit::data_environment()) {
     std::vector<std::string> arguments{kit::program("tessaly")};
     arguments.insert(arguments.end(), options.begin(), options.end());
     return run(arguments, environment);
 }
 
 TEST(CommandLine, UsageNeedsNoDisplay) {
-    for (const std::vector<std::string>& options : {std::vector<std::string>{"-h"}, {"-xrm", "*a: b", "-h"}}) {
+    for (const std::vector<std::string>& options :
+         {std::vector<std::string>{"-h"}, {"-xrm", "*a: b", "-h"}}) {
         const RESULT result = tessaly(options, with(kit::data_environment(), "DISPLAY", ""));
         EXPECT_EQ(result.status, 0) << result.err;
         EXPECT_NE(result.out.find("-size"), std::string::npos);
@@ -89,8 +92,10 @@ TEST(MissingData, EndsStartUpWithStatus165AndALine) {
 }
 
 TEST(NodeService, ItsAbsenceIsReportedAndEndsTheRun) {
-    // Code 1 is recorded before the first window is drawn or after; either way the run ends by itself or with one answer.
-    auto environment = with(kit::data_environment(), "TESSALY_NODE_SOCKET", kit::scratch() + "/nobody");
+    // Code 1 is recorded before the first window is drawn or after; either way the run ends by
+    // itself or with one answer.
+    auto environment =
+        with(kit::data_environment(), "TESSALY_NODE_SOCKET", kit::scratch() + "/nobody");
     const std::string log = kit::scratch() + "/absent.log";
     environment = with(environment, "TESSALY_LOG", log);
     int out[2];
@@ -114,8 +119,8 @@ TEST(NodeService, ItsAbsenceIsReportedAndEndsTheRun) {
 TEST(Display, ItsLossEndsTheRunWithoutACrash) {
     int pipe_fds[2];
     ASSERT_EQ(pipe(pipe_fds), 0);
-    const pid_t server = kit::start({"/usr/bin/Xvfb", "-displayfd", std::to_string(pipe_fds[1]), "-screen", "0",
-                                     "800x600x24", "-nolisten", "tcp"},
+    const pid_t server = kit::start({"/usr/bin/Xvfb", "-displayfd", std::to_string(pipe_fds[1]),
+                                     "-screen", "0", "800x600x24", "-nolisten", "tcp"},
                                     {}, -1, -1, {pipe_fds[1]});
     char number[16] = {};
     ASSERT_GT(read(pipe_fds[0], number, sizeof number - 1), 0);
@@ -125,7 +130,8 @@ TEST(Display, ItsLossEndsTheRunWithoutACrash) {
     int err[2];
     ASSERT_EQ(pipe(err), 0);
     const pid_t child = kit::start({kit::program("tessaly")}, environment, -1, err[1]);
-    for (int i = 0; i < 1000 && service.control("journal").find("NAP_QUERY_NODE") == std::string::npos; ++i) {
+    for (int i = 0;
+         i < 1000 && service.control("journal").find("NAP_QUERY_NODE") == std::string::npos; ++i) {
         usleep(5000);
     }
     kill(server, SIGKILL);

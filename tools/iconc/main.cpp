@@ -2,10 +2,11 @@
 //
 //   iconc --out FILE.uil --module NAME --unit PIXELS [--suffix S] [--bitmap] SVG...
 //
-// One unit of an icon's view box becomes PIXELS pixels (a fraction is allowed). For NAME.svg the module exports
-// NAME<S>_icon and NAME<S>_iconi, the same on the selection's dark ground. With --bitmap it exports NAME<S>_icon and the
-// mask NAME<S>m_icon, both of two colours. Pixels take the nearest colour of the palette; transparent ones become the
-// background colour, which the program chooses, or on the selection's ground the foreground colour.
+// One unit of an icon's view box becomes PIXELS pixels (a fraction is allowed). For NAME.svg the
+// module exports NAME<S>_icon and NAME<S>_iconi, the same on the selection's dark ground. With
+// --bitmap it exports NAME<S>_icon and the mask NAME<S>m_icon, both of two colours. Pixels take the
+// nearest colour of the palette; transparent ones become the background colour, which the program
+// chooses, or on the selection's ground the foreground colour.
 #include <cairo.h>
 #include <librsvg/rsvg.h>
 
@@ -53,7 +54,9 @@ constexpr std::string_view letters = "abcdefghijklmnopqrstuvwxyzABCDEFGHIJKLMNOP
 static_assert(std::size(inks) * blends.size() <= letters.size());
 
 COLOUR mix(COLOUR a, COLOUR b, double share) {
-    const auto channel = [&](int x, int y) { return static_cast<int>(std::lround(x * share + y * (1 - share))); };
+    const auto channel = [&](int x, int y) {
+        return static_cast<int>(std::lround(x * share + y * (1 - share)));
+    };
     return {channel(a.r, b.r), channel(a.g, b.g), channel(a.b, b.b)};
 }
 
@@ -80,14 +83,19 @@ IMAGE rasterise(const std::string& file, double unit) {
     RsvgRectangle box;
     gboolean has_width, has_height, has_box;
     RsvgLength width, height;
-    rsvg_handle_get_intrinsic_dimensions(handle, &has_width, &width, &has_height, &height, &has_box, &box);
+    rsvg_handle_get_intrinsic_dimensions(handle, &has_width, &width, &has_height, &height, &has_box,
+                                         &box);
     if (!has_box) {
         fail(file + ": no viewBox");
     }
-    IMAGE image{static_cast<int>(std::lround(box.width * unit)), static_cast<int>(std::lround(box.height * unit)), {}};
-    cairo_surface_t* surface = cairo_image_surface_create(CAIRO_FORMAT_ARGB32, image.width, image.height);
+    IMAGE image{static_cast<int>(std::lround(box.width * unit)),
+                static_cast<int>(std::lround(box.height * unit)),
+                {}};
+    cairo_surface_t* surface =
+        cairo_image_surface_create(CAIRO_FORMAT_ARGB32, image.width, image.height);
     cairo_t* cr = cairo_create(surface);
-    const RsvgRectangle viewport{0, 0, static_cast<double>(image.width), static_cast<double>(image.height)};
+    const RsvgRectangle viewport{0, 0, static_cast<double>(image.width),
+                                 static_cast<double>(image.height)};
     if (!rsvg_handle_render_document(handle, cr, &viewport, &error)) {
         fail(file + ": " + error->message);
     }
@@ -104,7 +112,9 @@ IMAGE rasterise(const std::string& file, double unit) {
     return image;
 }
 
-int alpha(std::uint32_t pixel) { return static_cast<int>(pixel >> 24); }
+int alpha(std::uint32_t pixel) {
+    return static_cast<int>(pixel >> 24);
+}
 
 COLOUR over(std::uint32_t pixel, COLOUR ground) {
     const double rest = 1 - alpha(pixel) / 255.0;
@@ -114,7 +124,8 @@ COLOUR over(std::uint32_t pixel, COLOUR ground) {
     return {channel(16, ground.r), channel(8, ground.g), channel(0, ground.b)};
 }
 
-// The letter of the palette colour nearest to a pixel. Both forms use the same letters: only the colour tables differ.
+// The letter of the palette colour nearest to a pixel. Both forms use the same letters: only the
+// colour tables differ.
 char letter(std::uint32_t pixel) {
     if (alpha(pixel) < 24) {
         return ' ';
@@ -144,7 +155,8 @@ void write_colours(std::ostream& out, const char* name, COLOUR INK::*ink_form, C
         for (const double blend : blends) {
             const COLOUR c = mix(ink.*ink_form, ground, blend);
             char text[64];
-            std::snprintf(text, sizeof text, ",\n        color('#%02X%02X%02X') = '%c'", c.r, c.g, c.b, letters[index++]);
+            std::snprintf(text, sizeof text, ",\n        color('#%02X%02X%02X') = '%c'", c.r, c.g,
+                          c.b, letters[index++]);
             out << text;
         }
     }
@@ -152,7 +164,8 @@ void write_colours(std::ostream& out, const char* name, COLOUR INK::*ink_form, C
 }
 
 template <typename PIXEL>
-void write_icon(std::ostream& out, const std::string& name, const char* colours, const IMAGE& image, PIXEL pixel) {
+void write_icon(std::ostream& out, const std::string& name, const char* colours, const IMAGE& image,
+                PIXEL pixel) {
     out << "value\n    " << name << ": exported icon(color_table = " << colours;
     for (int y = 0; y < image.height; ++y) {
         out << ",\n        '";
@@ -196,7 +209,8 @@ int main(int argc, char** argv) {
         }
     }
     if (out_name.empty() || module.empty() || unit <= 0 || files.empty()) {
-        fail("usage: iconc --out FILE.uil --module NAME --unit PIXELS [--suffix S] [--bitmap] SVG...");
+        fail(
+            "usage: iconc --out FILE.uil --module NAME --unit PIXELS [--suffix S] [--bitmap] SVG...");
     }
     std::ofstream out(out_name);
     out << "module " << module << "\n    names = case_sensitive\n";

@@ -35,8 +35,8 @@ const Handler_row button_handlers[] = {
 
 // A drawn button ignores clicks with Control, which add to a selection here.
 void let_control_clicks_in(Widget draw_widget) {
-    static const XtTranslations translations = XtParseTranslationTable(
-        "Ctrl<Btn1Down>: Arm()\nCtrl<Btn1Up>: Activate() Disarm()");
+    static const XtTranslations translations =
+        XtParseTranslationTable("Ctrl<Btn1Down>: Arm()\nCtrl<Btn1Up>: Activate() Disarm()");
     XtOverrideTranslations(draw_widget, translations);
 }
 
