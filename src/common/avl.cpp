@@ -31,8 +31,8 @@ void prefetch_links(const Node* node) {
     __builtin_prefetch(&node->l_height);
 }
 
-// The node may be null, whose neighbourhood is no memory: addresses are computed as numbers, and fetching ahead from a
-// wrong one does nothing.
+// The node may be null, whose neighbourhood is no memory: addresses are computed as numbers, and
+// fetching ahead from a wrong one does nothing.
 void prefetch(const Node* node, std::ptrdiff_t key) {
     const auto address = reinterpret_cast<std::uintptr_t>(node);
     __builtin_prefetch(reinterpret_cast<const void*>(address + sizeof(Node) - sizeof(void*)));
@@ -123,10 +123,14 @@ void ntl_avl_balance_tree(Tree* tree, Node* node, bool left, int changed);
 // can differ, and nothing above is touched.
 void ntl_avl_balance_tree(Tree* tree, Node* node, bool left, int changed) {
     for (;;) {
-        const int other = left ? node->r_height : node->l_height;
-        std::int16_t& recorded = left ? node->l_height : node->r_height;
-        const int before = std::max<int>(other, recorded) + 1;
-        recorded = static_cast<std::int16_t>(changed);
+        // Both heights are stored, whichever changed: an address that depends on the side would
+        // hold up the loads that follow until the side is known.
+        const int l_height = node->l_height;
+        const int r_height = node->r_height;
+        const int before = std::max(l_height, r_height) + 1;
+        const int other = left ? r_height : l_height;
+        node->l_height = static_cast<std::int16_t>(left ? changed : l_height);
+        node->r_height = static_cast<std::int16_t>(left ? r_height : changed);
         if (std::abs(changed - other) > 1) {
             return balance_from(tree, node, before);
         }

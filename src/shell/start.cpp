@@ -6,6 +6,7 @@
 #include "ui/framework/dialog.h"
 #include "ui/windows/node_window.h"
 #include "ui/windows/system_window.h"
+#include "verbs/status.h"
 
 #include <csignal>
 #include <cstdlib>
@@ -135,6 +136,7 @@ bool vga_initialise_backend() {
     }
     vga_init_verb_queues();
     vga_install_window_hooks();
+    vga_install_status_handlers();
     gvga_read_only = 0;
     gvga_system = vga_init_vga_system();
     if (gvga_system == nullptr) {

@@ -96,6 +96,3 @@ void vga_check_dir(VGA_COMPLETION* completion) {
         finish_dir(node);
     }
 }
-
-// The store keeps no sessions of APPC over IP, so there are none that could be out of date.
-void vga_start_check_ipbridge_sess(vga_node*) {}

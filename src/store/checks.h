@@ -48,10 +48,6 @@ void vga_check_lu62(VGA_COMPLETION* completion);
 void vga_start_check_dir(vga_node* node);
 void vga_check_dir(VGA_COMPLETION* completion);
 
-// Removes the sessions of APPC over IP that the node does not list; does nothing while the store
-// keeps none.
-void vga_start_check_ipbridge_sess(vga_node* node);
-
 // ---- for this folder only ----
 
 enum : NB_BYTE { VGA_FROM_TEMPLATE = 2 }; // attachment of such a downstream PU

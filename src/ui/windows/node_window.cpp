@@ -10,6 +10,7 @@
 #include "ui/framework/widget_tree.h"
 #include "ui/framework/window_menu.h"
 #include "ui/windows/node_window_internal.h"
+#include "verbs/status.h"
 
 #include <X11/Xatom.h>
 
@@ -347,4 +348,15 @@ void vga_install_window_hooks() {
     gvga_store_hooks.system_built = vga_system_built;
     gvga_store_hooks.node_changed = vga_update_node_window;
     gvga_store_hooks.start_shutdown = vga_start_shutdown;
+    gvga_status_hooks = {
+        .update_port = vga_update_port_viewer,
+        .update_ls = vga_update_ls_viewer,
+        .update_local_pu = vga_update_local_pu_viewer,
+        .update_deplu = vga_update_deplu_viewer,
+        .update_down_lu = vga_update_down_lu_viewer,
+        .update_lu62 = vga_update_lu62_viewer,
+        .update_mode = vga_update_mode_viewer,
+        .button_states =
+            [](vga_node* node) { vga_nodew_set_button_states(node->gui_data.node_window); },
+    };
 }
