@@ -25,8 +25,9 @@ namespace bi = boost::intrusive;
 constexpr double limit = 1.15; // our median time by the peer's
 constexpr std::size_t key_width = 8;
 constexpr std::size_t record_size = 600;
-constexpr std::size_t key_offset = 64; // in the query entry, behind node, handle and parent
-constexpr std::size_t turns = 16;      // per repetition
+constexpr std::size_t record_distance = 608; // as single allocations lie
+constexpr std::size_t key_offset = 64;       // in the query entry, behind node, handle and parent
+constexpr std::size_t turns = 16;            // per repetition
 constexpr std::size_t most_operations = 200'000; // per repetition, where a sample will do
 
 using Hook = bi::avl_set_member_hook<>;
@@ -57,26 +58,20 @@ using PeerTree = bi::avl_set<PeerRecord, bi::member_hook<PeerRecord, Hook, &Peer
 
 using Key = std::array<char, key_width>;
 
-// Two sets of records with the same keys, allocated in turn and in alternating order, so that
-// both meet the same boundaries of cache lines, and a tree over each.
+// Two sets of records with the same keys, and a tree over each.
 struct Pair {
-    explicit Pair(std::size_t count) : keys(count) {
+    explicit Pair(std::size_t count)
+        : arena(static_cast<char*>(vga_alloc(2 * count * record_distance))), keys(count) {
         std::mt19937_64 random(count);
         for (Key& key : keys) {
             const std::uint64_t value = random();
             std::memcpy(key.data(), &value, key_width);
         }
-        our_records.resize(count);
-        peer_records.resize(count);
+        // Neighbours in alternating order, so that both meet the same boundaries of cache lines.
         for (std::size_t i = 0; i < count; ++i) {
-            for (const bool ours_now : {i % 2 == 0, i % 2 != 0}) {
-                if (ours_now) {
-                    our_records[i] = vga_new<OurRecord>();
-                } else {
-                    peer_records[i] = static_cast<PeerRecord*>(vga_alloc(record_size));
-                    new (&peer_records[i]->link) Hook;
-                }
-            }
+            our_records.push_back(reinterpret_cast<OurRecord*>(place(2 * i + i % 2)));
+            peer_records.push_back(reinterpret_cast<PeerRecord*>(place(2 * i + 1 - i % 2)));
+            new (&peer_records[i]->link) Hook;
         }
         searched = keys;
         std::shuffle(searched.begin(), searched.end(), random);
@@ -86,8 +81,7 @@ struct Pair {
     }
     ~Pair() {
         peer.clear();
-        std::for_each(our_records.begin(), our_records.end(), vga_free);
-        std::for_each(peer_records.begin(), peer_records.end(), vga_free);
+        vga_free(arena);
     }
     Pair(const Pair&) = delete;
     Pair& operator=(const Pair&) = delete;
@@ -117,6 +111,9 @@ struct Pair {
         }
     }
 
+    char* place(std::size_t number) { return arena + number * record_distance; }
+
+    char* arena;
     std::vector<Key> keys;
     std::vector<Key> searched;      // the same in another order
     std::vector<std::size_t> order; // of deletion

@@ -13,8 +13,8 @@ struct VGA_RUN {
 
 // The whole program between main's entry and its status.
 int vga_run(int argc, char** argv);
-// Its three parts: start-up (true: the main loop may run), one step of the loop while the exit code is 0 (blocks until
-// something happens), and the exit path, which gives the status.
+// Its three parts: start-up (true: the main loop may run), one step of the loop while the exit code
+// is 0 (blocks until something happens), and the exit path, which gives the status.
 bool vga_begin(VGA_RUN* run, int argc, char** argv);
 void vga_main_loop_step();
 int vga_end(VGA_RUN* run);

@@ -11,7 +11,7 @@
 struct LU62_DEF {               // define block offsets 20 to 315
     NB_DESCRIPTION description; // 20
     NB_BYTE implicit;           // 52, 1: created automatically
-    char access_list_name[14]; // 53
+    char access_list_name[14];  // 53
     NB_BYTE reserved67;
     NB_NAME8L lu_alias;   // 68
     NB_BYTE nau_address;  // 76, 0: independent

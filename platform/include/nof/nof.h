@@ -31,8 +31,8 @@ void vpm_asm_use_xt_sched(XtAppContext app_context, VPM_ADD_INPUT add_input,
 // How many completions and indications one call of the loop may deliver, so that X events are not
 // starved.
 void vpm_set_io_limit(int limit);
-// Ends the link to the node software and forgets what is outstanding and the event loop. Later verbs complete at once as
-// after a loss of the link, until vpm_asm_use_xt_sched is called again.
+// Ends the link to the node software and forgets what is outstanding and the event loop. Later
+// verbs complete at once as after a loss of the link, until vpm_asm_use_xt_sched is called again.
 void nof_terminate();
 
 // Non-zero in a client/server domain, 0 for a single node. Valid before the first verb.

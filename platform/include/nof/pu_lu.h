@@ -14,7 +14,7 @@ struct PU_ENTRY {
     NB_NAME8L ls_name;          // 42, blank or zero: no link station
     NB_BYTE state;              // 50, 1 active
     NB_BYTE
-        host_attachment; // 51, NAP_HOST_ATTACHMENT; of a downstream PU its type, 2 from a template
+    host_attachment; // 51, NAP_HOST_ATTACHMENT; of a downstream PU its type, 2 from a template
     NB_BYTE reserved52[14];
     NB_BYTE conventional_lu_compression; // 66, kept when a newer entry is merged
     NB_BYTE initially_active;            // 67

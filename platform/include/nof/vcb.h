@@ -69,7 +69,7 @@ struct LIST_QUERY {
     NB_BYTE reserved28[4];
     NB_USHORT num_entries; // asked (0: as many as fit), returned
     NB_USHORT
-        total_entries; // reply: entries that remained from the start point, those returned included
+    total_entries; // reply: entries that remained from the start point, those returned included
     NB_BYTE list_options; // NAP_LIST_OPTIONS
     NB_BYTE more;         // reply, some verbs: 1 when the last entry continues in the next page
 };
