@@ -55,34 +55,36 @@ TEST(Formc, ReportsErrorsWithFileAndLine) {
     };
     const Case cases[] = {
         {"dialog a \"T\" {\n  feild X \"Y\"\n  buttons\n}\n", "x.form:2: there is no 'feild' here"},
-        {"dialog a \"T\" {\n\n  field X \"Y\" with=8\n  buttons\n}\n",
+        {"dialog a \"T\" {\n\n  field aX \"Y\" with=8\n  buttons\n}\n",
          "x.form:3: 'field' does not know 'with'"},
-        {"dialog a \"T\" {\n  field X \"Y\"\n  field X \"Z\"\n  buttons\n}\n",
+        {"dialog a \"T\" {\n  field aX \"Y\"\n  field aX \"Z\"\n  buttons\n}\n",
          "x.form:3: the name 'aX' is used before, at x.form:2"},
-        {"dialog a \"T\" {\n  field X \"Y\"\n",
+        {"dialog a \"T\" {\n  field aX \"Y\"\n",
          "x.form:1: the block of this 'dialog' is not closed"},
-        {"dialog a \"T\" {\n  field X \"Y\n  buttons\n}\n",
+        {"dialog a \"T\" {\n  field aX \"Y\n  buttons\n}\n",
          "x.form:2: a text has no closing quote"},
-        {"# one\ndialog a \"T\" {\n  field X \"Y:\"\n  buttons\n}\n",
+        {"# one\ndialog a \"T\" {\n  field aX \"Y:\"\n  buttons\n}\n",
          "x.form:3: a label has no trailing colon"},
-        {"dialog a \"T\" {\n  field X \"Y\" width=8x\n  buttons\n}\n",
+        {"dialog a \"T\" {\n  field aX \"Y\" width=8x\n  buttons\n}\n",
          "x.form:2: 'width' needs a number, not '8x'"},
-        {"dialog a \"T\" {\n  field X \"Y\" modify=1st\n  buttons\n}\n",
+        {"dialog a \"T\" {\n  field aX \"Y\" modify=1st\n  buttons\n}\n",
          "x.form:2: '1st' is no callback name"},
-        {"dialog a \"T\" {\n  field AnUncommonlyLongNameOfAWidgetXY \"Y\"\n  buttons\n}\n",
+        {"dialog a \"T\" {\n  field aAnUncommonlyLongNameOfAWidgetXY \"Y\"\n  buttons\n}\n",
          "x.form:2: the name 'aAnUncommonlyLongNameOfAWidgetXY' is longer than 31 characters"},
-        {"dialog a \"T\" {\n  field X \"Y\"\n}\n", "x.form:1: the dialog has no 'buttons'"},
-        {"dialog a \"T\" {\n  fqname X \"Y\"\n  buttons\n}\n",
+        {"dialog a \"T\" {\n  field bX \"Y\"\n  buttons\n}\n",
+         "x.form:2: the name 'bX' does not begin with 'a'"},
+        {"dialog a \"T\" {\n  field aX \"Y\"\n}\n", "x.form:1: the dialog has no 'buttons'"},
+        {"dialog a \"T\" {\n  fqname aX \"Y\"\n  buttons\n}\n",
          "x.form:2: 'fqname' needs the names of two texts"},
-        {"window a {\n  menubar {\n    menu \"&File\" {\n      item X \"Open\"\n    }\n  }\n}\n",
+        {"window a {\n  menubar {\n    menu \"&File\" {\n      item aX \"Open\"\n    }\n  }\n}\n",
          "x.form:4: a menu entry needs a label with a mnemonic, as in \"&Open\""},
-        {"window a {\n  menubar {\n    menu \"&File\" {\n      item X \"&Open\"\n      item Y \"Cl&ose\"\n"
+        {"window a {\n  menubar {\n    menu \"&File\" {\n      item aX \"&Open\"\n      item aY \"Cl&ose\"\n"
          "    }\n  }\n}\n",
          "x.form:5: the mnemonic 'O' is used before, in line 4"},
-        {"window a {\n  menubar {\n    menu \"&File\" {\n      item X \"&Open\" accel=\"Ctrl+O\"\n    }\n"
-         "    menu \"&Edit\" {\n      item Y \"&Copy\" accel=\"Ctrl+O\"\n    }\n  }\n}\n",
+        {"window a {\n  menubar {\n    menu \"&File\" {\n      item aX \"&Open\" accel=\"Ctrl+O\"\n    }\n"
+         "    menu \"&Edit\" {\n      item aY \"&Copy\" accel=\"Ctrl+O\"\n    }\n  }\n}\n",
          "x.form:7: the accelerator Ctrl+O is used before, in line 4"},
-        {"window a {\n  viewer\n  viewer Other\n}\n",
+        {"window a {\n  viewer aA aH aV\n  viewer aB aI aW\n}\n",
          "x.form:3: a window has one 'viewer', and a tool bar or a button row"},
     };
     const Scratch scratch;
@@ -106,19 +108,19 @@ TEST(Formc, WritesUilThatTheCompilerTakes) {
     const Scratch scratch;
     const Outcome result = scratch.compile(
         "dialog a \"Quotes \\\" and \\\\ and &&\" resizable {\n"
-        "  label L \"" +
+        "  label aL \"" +
         long_text +
         "\" span\n"
-        "  label Two \"one\\ntwo\"\n"
-        "  frame F \"Frame\" {\n    row R \"Row\" {\n      text T width=5 check=hex modify=vga_more\n      button B \"&Go\"\n"
-        "    }\n    radio Choice \"Choice\" horizontal {\n      toggle C1 \"1\" set\n      toggle C2 \"2\"\n    }\n  }\n"
-        "  columns {\n    group G {\n      value V \"Value\" width=20\n    }\n    group H hidden {\n"
-        "      checks {\n        toggle C3 \"3\"\n      }\n    }\n  }\n"
-        "  listpair {\n    list L1 \"One\"\n    list L2 \"Two\" multiple\n    button Move \"<\"\n  }\n"
-        "  viewer V rows=3\n  separator\n  buttonrow {\n    button X \"X\" arm=p,q(\"tag\")\n  }\n"
-        "  object Scale class=XmScale XmNmaximum=10 XmNtitleString=compound_string(\"Level\")\n"
-        "  field Pwd \"Password\" translations=\"<Key>F2: do_it(0)\\n<Key>F3: do_it(1)\" XmNmaxLength=3\n"
-        "  buttons ok=vga_ok apply=vga_apply nohelp\n}\n");
+        "  label aTwo \"one\\ntwo\"\n"
+        "  frame aF \"Frame\" {\n    row aR \"Row\" {\n      text aT width=5 check=hex modify=vga_more\n      button aB \"&Go\"\n"
+        "    }\n    radio aChoice \"Choice\" horizontal {\n      toggle aC1 \"1\" set\n      toggle aC2 \"2\"\n    }\n  }\n"
+        "  columns {\n    group aG {\n      value aV \"Value\" width=20\n    }\n    group aH hidden {\n"
+        "      checks {\n        toggle aC3 \"3\"\n      }\n    }\n  }\n"
+        "  listpair {\n    list aL1 \"One\"\n    list aL2 \"Two\" multiple\n    button aMove \"<\"\n  }\n"
+        "  viewer aDraw aAcross aDown rows=3\n  separator\n  buttonrow {\n    button aX \"X\" arm=p,q(\"tag\")\n  }\n"
+        "  object aScale class=XmScale XmNmaximum=10 XmNtitleString=compound_string(\"Level\")\n"
+        "  field aPwd \"Password\" translations=\"<Key>F2: do_it(0)\\n<Key>F3: do_it(1)\" XmNmaxLength=3\n"
+        "  buttons aApplyButton ok=vga_ok apply=vga_apply nohelp\n}\n");
     ASSERT_EQ(result.output, "");
     std::ifstream uil(scratch.dir / "x.uil");
     for (std::string line; std::getline(uil, line);)

@@ -44,13 +44,13 @@ int Columns::position() const {
     return std::clamp(label * 1000 / width, 0, 900);
 }
 
-Object& Builder::make(const Statement& at, std::string_view type, std::string_view suffix) {
-    std::string name = prefix;
-    if (suffix.empty())
-        name += std::string(type.substr(2)) + std::to_string(++anonymous);
-    else
-        name += suffix;
-    return module.make(at, prefix, type, std::move(name));
+Object& Builder::make(const Statement& at, std::string_view type, std::string_view name) {
+    if (name.empty())
+        return module.make(at, prefix, type,
+                           prefix + std::string(type.substr(2)) + std::to_string(++anonymous));
+    if (!name.starts_with(prefix))
+        at.fail("the name '" + std::string(name) + "' does not begin with '" + prefix + "'");
+    return module.make(at, prefix, type, std::string(name));
 }
 
 Object& Builder::make_named(const Statement& s, std::string_view type, size_t n) {

@@ -47,8 +47,9 @@ struct Builder {
     };
     std::vector<Pending> pending{};
 
-    // An object named prefix + suffix, or by its class and a number when the suffix is empty.
-    Object& make(const Statement& at, std::string_view type, std::string_view suffix);
+    // An object of a name, which begins with the prefix, or named by its class and a number when
+    // the name is empty.
+    Object& make(const Statement& at, std::string_view type, std::string_view name);
     // As make, named by the statement's n-th name, with the statement's callbacks, raw resources,
     // translations and flags.
     Object& make_named(const Statement& s, std::string_view type, size_t n = 0);
@@ -74,7 +75,8 @@ void set_caption(const Statement& s, Object& object, std::map<char, int>& used);
 
 // build_rows.cpp: one statement of a dialog's body, added to a column of rows.
 void build_entry(Builder& b, const Statement& s, Object& parent);
-Object& build_viewer(Builder& b, const Statement& s, std::string_view stem);
+// names: from where on the names of drawing area and scroll bars stand.
+Object& build_viewer(Builder& b, const Statement& s, size_t names = 0);
 // Equally wide buttons side by side.
 Object& build_button_row(Builder& b, const Statement& s);
 

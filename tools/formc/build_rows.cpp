@@ -307,7 +307,7 @@ Object& build_separator(Builder& b, const Statement& s) {
 }
 
 Object& build_viewer_row(Builder& b, const Statement& s) {
-    Object& viewer = build_viewer(b, s, s.names.empty() ? "" : s.names[0]);
+    Object& viewer = build_viewer(b, s);
     const int width = s.number("width", 60) * 8;
     b.columns->whole = std::max(b.columns->whole, width);
     return viewer.set("XmNwidth", width).set("XmNheight", s.number("rows", 8) * 20);

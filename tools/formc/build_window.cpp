@@ -40,15 +40,14 @@ Object& flat_icon(Builder& b, const Statement& s, const std::string& name) {
     return flat_button(b, s, name).set("XmNlabelType", "XmPIXMAP");
 }
 
-// Frame and icon of one action; `text` adds a label below the icon.
+// Frame and icon of one action; a third name adds a label below the icon.
 Object& build_tool(Builder& b, const Statement& s, const Statement& bar) {
-    if (s.names.size() != 1 || !s.label)
-        s.fail("'tool' needs a name and a label");
-    const std::string& stem = s.names[0];
-    Object& frame = b.make(s, "XmFrame", stem + "ButtonFrame")
+    if (s.names.size() < 2 || s.names.size() > 3 || !s.label)
+        s.fail("'tool' needs the names of frame and icon and a label");
+    Object& frame = b.make(s, "XmFrame", s.names[0])
                         .set("XmNshadowType", "XmSHADOW_OUT")
                         .set("XmNshadowThickness", 1);
-    Object& icon = flat_icon(b, s, stem + "ButtonIcon")
+    Object& icon = flat_icon(b, s, s.names[1])
                        .set("XmNlabelString", uil_label(*s.label))
                        .set("XmNmarginWidth", space::step)
                        .set("XmNmarginHeight", space::step)
@@ -62,14 +61,13 @@ Object& build_tool(Builder& b, const Statement& s, const Statement& bar) {
         icon.set("XmNtranslations", uil_translations("<EnterWindow>: Enter() " + enter +
                                                      "()\n<LeaveWindow>: Leave() " + leave + "()"));
     decorate(s, icon);
-    if (s.flag("text")) {
+    if (s.names.size() == 3) {
         Object& box = b.make(s, "XmRowColumn", "")
                           .set("XmNmarginWidth", space::step)
                           .set("XmNmarginHeight", 0)
                           .set("XmNspacing", 0)
                           .set("XmNentryAlignment", "XmALIGNMENT_CENTER");
-        Object& label =
-            b.make(s, "XmLabel", stem + "ButtonText").set("XmNlabelString", uil_label(*s.label));
+        Object& label = b.make(s, "XmLabel", s.names[2]).set("XmNlabelString", uil_label(*s.label));
         box.children = {&icon, &label};
         frame.children.push_back(&box);
     } else {
@@ -126,8 +124,7 @@ Object& build_tool_bar(Builder& b, const Statement& s) {
 Object& build_pane(Builder& b, const Statement& s) {
     if (!s.label)
         s.fail("'pane' needs a title");
-    const std::string stem = s.names.empty() ? "" : s.names[0];
-    Object& form = b.make(s, "XmForm", s.text("form", stem + "Form"));
+    Object& form = b.make(s, "XmForm", s.names.empty() ? "" : s.names[0]);
     const std::string select = s.text("click");
     Object& title = flat_button(b, s, s.text("title"))
                         .set("XmNlabelString", uil_label(caption(s).text))
@@ -148,7 +145,7 @@ Object& build_pane(Builder& b, const Statement& s) {
     } else {
         attach(title, top, 0);
     }
-    Object& viewer = build_viewer(b, s, stem);
+    Object& viewer = build_viewer(b, s, 1);
     attach(viewer, top, 0, &title);
     attach(viewer, bottom, 0);
     attach(viewer, left, 0);
@@ -213,8 +210,7 @@ void build_window(Builder& b, const Statement& s) {
         } else if (what == "pane") {
             put(entry, "XmNworkWindow", build_pane(b, entry));
         } else if (what == "viewer") {
-            put(entry, "XmNworkWindow",
-                build_viewer(b, entry, entry.names.empty() ? "" : entry.names[0]));
+            put(entry, "XmNworkWindow", build_viewer(b, entry));
         } else if (what == "messagebar") {
             put(entry, "XmNmessageWindow", build_message_bar(b, entry));
         } else {
@@ -226,8 +222,8 @@ void build_window(Builder& b, const Statement& s) {
 
 // The button row of a dialog: OK, Apply, Cancel and Help, made by the toolkit's dialog template,
 // which keeps them equally wide, makes OK the default and closes the gap when one is unmanaged.
-// Help calls the help callback of the dialog, which the program sets. `apply` makes prefix +
-// ApplyButton.
+// Help calls the help callback of the dialog, which the program sets. The statement's
+// name is that of the Apply button.
 void build_standard_buttons(Builder& b, const Statement& s, Object& dialog) {
     if (!s.flag("nook"))
         dialog.set("XmNokLabelString", uil_label(s.text("oklabel", "OK")));
@@ -238,8 +234,10 @@ void build_standard_buttons(Builder& b, const Statement& s, Object& dialog) {
             .call("XmNcancelCallback", s.text("cancel", "vga_close_cb"));
     if (!s.flag("nohelp"))
         dialog.set("XmNhelpLabelString", uil_label("Help"));
+    if (s.names.empty() == (s.find("apply") != nullptr))
+        s.fail("the name of the Apply button and 'apply' come together");
     if (s.find("apply"))
-        dialog.children.push_back(&b.make(s, "XmPushButton", "ApplyButton")
+        dialog.children.push_back(&b.make(s, "XmPushButton", s.names[0])
                                        .set("XmNlabelString", uil_label("Apply"))
                                        .call("XmNactivateCallback", s.text("apply")));
 }
@@ -297,9 +295,10 @@ void build_dialog(Builder& b, const Statement& s) {
 
 // An XmScrolledWindow that holds the drawn button of a viewer and its two scroll bars, which the
 // viewer manages as it needs them. The drawn button is painted by the viewer up to its edges.
-Object& build_viewer(Builder& b, const Statement& s, std::string_view stem) {
-    const std::string name(stem);
-    Object& draw = b.make(s, "XmDrawnButton", name + "DrawArea")
+Object& build_viewer(Builder& b, const Statement& s, size_t names) {
+    if (s.names.size() != names + 3)
+        s.fail("'" + s.keyword + "' needs the names of its drawing area and its two scroll bars");
+    Object& draw = b.make(s, "XmDrawnButton", s.names[names])
                        .set("XmNlabelString", uil_label(""))
                        .set("XmNshadowThickness", 0)
                        .set("XmNhighlightThickness", 0)
@@ -308,10 +307,10 @@ Object& build_viewer(Builder& b, const Statement& s, std::string_view stem) {
                        .set("XmNrecomputeSize", "false")
                        .set("XmNpushButtonEnabled", "false")
                        .set("XmNnavigationType", "XmTAB_GROUP");
-    Object& h_scroll = b.make(s, "XmScrollBar", name + "HScrollBar")
+    Object& h_scroll = b.make(s, "XmScrollBar", s.names[names + 1])
                            .set("XmNorientation", "XmHORIZONTAL")
                            .set("XmNtraversalOn", "false");
-    Object& v_scroll = b.make(s, "XmScrollBar", name + "VScrollBar")
+    Object& v_scroll = b.make(s, "XmScrollBar", s.names[names + 2])
                            .set("XmNorientation", "XmVERTICAL")
                            .set("XmNtraversalOn", "false");
     h_scroll.managed = v_scroll.managed = false;

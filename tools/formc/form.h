@@ -26,8 +26,8 @@ struct Attribute {
     mutable bool used = false;
 };
 
-// One statement. Words that start with a capital letter or a digit are names, the first quoted text
-// is the label.
+// One statement. Words with a capital letter are names of widgets, the first quoted text is the
+// label.
 struct Statement {
     std::string file{};
     int line = 0;

@@ -1,5 +1,6 @@
 #include "form.h"
 
+#include <algorithm>
 #include <cctype>
 #include <charconv>
 
@@ -113,15 +114,21 @@ private:
             add(std::move(attribute));
         } else if (s.keyword.empty()) {
             s.keyword = word;
-        } else if (std::islower(static_cast<unsigned char>(word[0])) && !names_follow()) {
-            add({.key = word, .flag = true});
-        } else {
+        } else if (is_name(word) || prefix_follows()) {
             s.names.push_back(word);
+        } else {
+            add({.key = word, .flag = true});
         }
     }
 
+    // Names of widgets have a capital letter after their form's prefix.
+    static bool is_name(std::string_view word) {
+        return std::any_of(word.begin(), word.end(),
+                           [](unsigned char c) { return std::isupper(c); });
+    }
+
     // A window or dialog is followed by its prefix, which is in lower case.
-    bool names_follow() const {
+    bool prefix_follows() const {
         const Statement& s = line_.statement;
         return (s.keyword == "window" || s.keyword == "dialog") && s.names.empty();
     }
