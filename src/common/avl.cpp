@@ -158,6 +158,9 @@ struct Gap {
 // place the neighbour had, where the removal goes on: the node itself is in no place then.
 template <typename Side, typename Other> Gap swap_neighbour(Tree* tree, const Node* node) {
     Node* neighbour = node->*Side::child;
+    // Needed when the neighbour is found.
+    __builtin_prefetch(node->parent);
+    __builtin_prefetch(node->*Other::child);
     const bool adjacent = neighbour->*Other::child == nullptr;
     while (neighbour->*Other::child != nullptr) {
         neighbour = neighbour->*Other::child;

@@ -10,6 +10,7 @@
 #include <algorithm>
 #include <cstdio>
 #include <cstring>
+#include <string_view>
 #include <utility>
 
 namespace {
@@ -104,10 +105,16 @@ void choose_font() {
         gvga_font = XQueryFont(gvga_display, XGContextFromGC(gvga_normal_gc));
         return;
     }
+    // The first font of a set has ASCII: the only one, or the Latin one before those of other
+    // scripts. The set loads it no sooner than it draws with it, hence a font of our own.
     XFontStruct** fonts = nullptr;
     char** names = nullptr;
-    if (XFontsOfFontSet(gvga_font_set, &fonts, &names) == 1 && fonts[0]->max_byte1 == 0) {
-        gvga_font = fonts[0];
+    const int count = XFontsOfFontSet(gvga_font_set, &fonts, &names);
+    if (fonts[0]->max_byte1 == 0 &&
+        (count == 1 || std::string_view(names[0]).ends_with("iso8859-1"))) {
+        gvga_font = XLoadQueryFont(gvga_display, names[0]);
+    }
+    if (gvga_font != nullptr) {
         XSetFont(gvga_display, gvga_normal_gc, gvga_font->fid);
         XSetFont(gvga_display, gvga_inverted_gc, gvga_font->fid);
     }
@@ -293,7 +300,9 @@ void vga_free_graphics() {
             *gc = nullptr;
         }
     }
-    if (gvga_font != nullptr && gvga_font_set == nullptr) {
+    if (gvga_font != nullptr && gvga_font_set != nullptr) {
+        XFreeFont(gvga_display, gvga_font);
+    } else if (gvga_font != nullptr) {
         XFreeFontInfo(nullptr, gvga_font, 1);
     }
     gvga_font = nullptr;

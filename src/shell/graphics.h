@@ -26,8 +26,8 @@ extern Pixmap gvga_pixmaps[VGA_ICON_COUNT];
 extern Pixmap gvga_inverted_pixmaps[VGA_ICON_COUNT];
 extern GC gvga_normal_gc, gvga_inverted_gc, gvga_outline_gc;
 extern XFontSet gvga_font_set; // null: gvga_font
-// The font of the contexts. With a font set it is the set's only font, which draws ASCII as the set
-// does and faster, or null when there are several.
+// The font of the contexts. With a font set it is the font that the set draws ASCII with, which is
+// faster without the set; null when the set has no such font of single bytes.
 extern XFontStruct* gvga_font;
 extern Pixel gvga_background, gvga_foreground, gvga_top_shadow, gvga_bottom_shadow;
 

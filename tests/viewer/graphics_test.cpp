@@ -8,6 +8,7 @@
 #include <X11/Xutil.h>
 #include <Xm/Label.h>
 #include <Xm/Xm.h>
+#include <clocale>
 
 namespace {
 
@@ -205,6 +206,49 @@ TEST_F(Graphics_test, fixed_font_set_of_the_widget_comes_first_and_is_not_ours_t
         XmFontListFree(list);
         XFreeFontSet(gvga_display, set);
     }
+}
+
+// In a multi-byte locale a set has many fonts. ASCII is drawn without the set, and must look the
+// same.
+TEST_F(Graphics_test, ascii_looks_the_same_with_and_without_the_font_set) {
+    ASSERT_NE(nullptr, std::setlocale(LC_CTYPE, "C.UTF-8"));
+    ASSERT_TRUE(vga_init_graphics(label, label));
+    ASSERT_NE(nullptr, gvga_font_set);
+    XFontStruct** fonts = nullptr;
+    char** names = nullptr;
+    ASSERT_GT(XFontsOfFontSet(gvga_font_set, &fonts, &names), 1);
+    ASSERT_NE(nullptr, gvga_font);
+
+    std::string ascii;
+    for (char c = ' '; c < 127; ++c) {
+        ascii += c;
+    }
+    const int length = static_cast<int>(ascii.size());
+    EXPECT_EQ(XmbTextEscapement(gvga_font_set, ascii.c_str(), length),
+              XTextWidth(gvga_font, ascii.c_str(), length));
+    const unsigned width = 900, height = 40;
+    std::vector<unsigned long> drawn[2];
+    for (int with_set : {0, 1}) {
+        const Pixmap pixmap =
+            XCreatePixmap(gvga_display, gvga_root_window, width, height,
+                          static_cast<unsigned>(DefaultDepthOfScreen(gvga_screen)));
+        XFillRectangle(gvga_display, pixmap, gvga_inverted_gc, 0, 0, width, height);
+        if (with_set) {
+            XmbDrawString(gvga_display, pixmap, gvga_font_set, gvga_normal_gc, 2, 20, ascii.c_str(),
+                          length);
+        } else {
+            XDrawString(gvga_display, pixmap, gvga_normal_gc, 2, 20, ascii.c_str(), length);
+        }
+        XImage* image = XGetImage(gvga_display, pixmap, 0, 0, width, height, AllPlanes, ZPixmap);
+        for (unsigned i = 0; i < width * height; ++i) {
+            drawn[with_set].push_back(
+                XGetPixel(image, static_cast<int>(i % width), static_cast<int>(i / width)));
+        }
+        XDestroyImage(image);
+        XFreePixmap(gvga_display, pixmap);
+    }
+    EXPECT_TRUE(drawn[0] == drawn[1]);
+    std::setlocale(LC_CTYPE, "C");
 }
 
 TEST_F(Graphics_test, shadows_of_an_icon_are_exchanged) {
