@@ -2,6 +2,7 @@
 
 #include "nba/nba.h"
 #include "simnode/control_changes.h"
+#include "simnode/indications.h"
 #include "simnode/service.h"
 
 #include <algorithm>
@@ -62,19 +63,27 @@ ControlAnswer set_immediate(Service& service, Connection&, const Words& words) {
     return {};
 }
 
-ControlAnswer delay_verbs(Service& service, Connection&, const Words& words) {
+// A rule of milliseconds per verb; 0 takes it away.
+ControlAnswer set_time(std::map<NB_USHORT, std::chrono::milliseconds>& rules, const Words& words) {
     NB_USHORT opcode = 0;
     unsigned long milliseconds = 0;
     if (words.size() != 3 || !parse_verb(words[1], opcode) ||
         !parse_number(words[2], milliseconds)) {
-        return usage("delay VERB MILLISECONDS");
+        return usage(words[0] + " VERB MILLISECONDS");
     }
-    if (milliseconds == 0) {
-        service.faults.delays.erase(opcode);
-    } else {
-        service.faults.delays[opcode] = std::chrono::milliseconds(milliseconds);
+    rules.erase(opcode);
+    if (milliseconds != 0) {
+        rules[opcode] = std::chrono::milliseconds(milliseconds);
     }
     return {};
+}
+
+ControlAnswer delay_verbs(Service& service, Connection&, const Words& words) {
+    return set_time(service.faults.delays, words);
+}
+
+ControlAnswer set_duration(Service& service, Connection&, const Words& words) {
+    return set_time(service.faults.durations, words);
 }
 
 ControlAnswer hold_verbs(Service& service, Connection&, const Words& words) {
@@ -115,6 +124,7 @@ ControlAnswer damage_answer(Service& service, Connection&, const Words& words) {
 ControlAnswer clear_faults(Service& service, Connection&, const Words&) {
     service.faults.fail.clear();
     service.faults.delays.clear();
+    service.faults.durations.clear();
     service.faults.damage.reset();
     service.world.resync.clear();
     service.faults.held.clear();
@@ -161,6 +171,9 @@ ControlAnswer kill_node(Service& service, Connection&, const Words& words) {
             }
         }
     });
+    if (service.world.domain.client_server) { // also who has not connected to it yet learns of it
+        indicate_server(service.world, *node, false);
+    }
     return {};
 }
 
@@ -283,6 +296,25 @@ struct Command {
     ControlAnswer (*run)(Service&, Connection&, const Words&);
 };
 
+ControlAnswer flood_operators(Service& service, Connection&, const Words& words) {
+    unsigned long per_second = 0;
+    unsigned long seconds = 0;
+    Node* node = local_node(service.world.domain);
+    if (words.size() == 1) {
+        return {0, std::to_string(service.flood.sent) + " of " +
+                       std::to_string(service.flood.total) + "\n"};
+    }
+    if (words.size() != 3 || !parse_number(words[1], per_second) ||
+        !parse_number(words[2], seconds)) {
+        return usage("flood [PER_SECOND SECONDS]");
+    }
+    if (node == nullptr) {
+        return failed("there is no node");
+    }
+    service.flood = make_flood(*node, per_second, seconds);
+    return {};
+}
+
 constexpr Command commands[] = {
     {"help", "", "this list", print_help},
     {"list", "KIND [PARENT]", "names and states of the resources of a kind", list_resources},
@@ -297,11 +329,16 @@ constexpr Command commands[] = {
     {"use", "LU program|user|client NAME | none", "an application takes an LU, or lets go of it",
      use_lu},
     {"session", "LU PARTNER MODE COUNT [CP]", "sets a number of LU-LU sessions", change_sessions},
+    {"flood", "[PER_SECOND SECONDS]", "so many changes of state, or how many there were",
+     flood_operators},
     {"server", "NAME up|down", "a server of the domain comes or goes", change_server},
+    {"master", "NAME", "the configuration moves to another server", change_master},
     {"send", "HEX", "carry out a whole verb block as another operator", send_block},
     {"fail", "VERB [COUNT] PRIMARY SECONDARY", "the next verbs of a kind fail", fail_verbs},
     {"immediate", "VERB... | none", "verbs that libraries complete at once", set_immediate},
     {"delay", "VERB MILLISECONDS", "answers of a kind come late (0: no longer)", delay_verbs},
+    {"takes", "VERB MILLISECONDS", "verbs of a kind take time before anything comes of them",
+     set_duration},
     {"hold", "VERB", "answers of a kind wait for release", hold_verbs},
     {"release", "", "send the answers that wait", release_verbs},
     {"resync", "KIND", "the next indication of a kind says that some were lost", set_resync},

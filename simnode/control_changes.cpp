@@ -6,23 +6,18 @@
 #include "simnode/indications.h"
 #include "simnode/manage.h"
 #include "simnode/service.h"
-#include "simnode/specific_data.h"
 
 #include <algorithm>
 #include <cstdio>
 #include <cstring>
 
 namespace simnode {
-namespace {
 
-// What a command names: "NODE:NAME", or "NAME" on the first node.
-struct Place {
-    Node* node = nullptr;
-    std::string name;
-};
-
-Place place_of(Service& service, const std::string& word) {
+Place place_of(Service& service, const std::string& word, const KindRow* row) {
     Domain& domain = service.world.domain;
+    if (row != nullptr && row->of_domain) {
+        return {&domain.file, word};
+    }
     const std::size_t colon = word.find(':');
     if (colon != std::string::npos) {
         if (Node* node = node_named(domain, word.substr(0, colon))) {
@@ -52,6 +47,8 @@ ControlAnswer answer_of(Rc rc) {
     return failed(text);
 }
 
+namespace {
+
 std::string status_text(const KindRow& row, const Record& record) {
     std::string text;
     for (const char* name : {"state", "dlur_state", "lu_active", "in_use", "in_session", "sessions",
@@ -71,15 +68,16 @@ ControlAnswer list_resources(Service& service, Connection&, const Words& words) 
         return usage("list KIND [PARENT]");
     }
     ControlAnswer answer;
-    for (const auto& node : service.world.domain.nodes) {
+    const bool several = service.world.domain.nodes.size() > 1 && !row->of_domain;
+    for (const Node* node : places_of(service.world.domain, *row)) {
         for (const Record* record : everything(node->of(row->kind))) {
             const auto* parent = reinterpret_cast<const NB_BYTE*>(record->parent.data());
             if (words.size() == 3 && ebcdic_text(parent, record->parent.size()) != words[2] &&
                 local_text(parent, record->parent.size()) != words[2]) {
                 continue;
             }
-            answer.text += (service.world.domain.nodes.size() > 1 ? node->name + ":" : "") +
-                           display_name(*row, *record) + status_text(*row, *record) + '\n';
+            answer.text += (several ? node->name + ":" : "") + display_name(*row, *record) +
+                           status_text(*row, *record) + '\n';
         }
     }
     return answer;
@@ -91,7 +89,7 @@ ControlAnswer count_resources(Service& service, Connection&, const Words& words)
         return usage("count KIND");
     }
     std::size_t count = 0;
-    for (const auto& node : service.world.domain.nodes) {
+    for (const Node* node : places_of(service.world.domain, *row)) {
         count += size(node->of(row->kind));
     }
     return {0, std::to_string(count) + '\n'};
@@ -102,7 +100,7 @@ ControlAnswer show_resource(Service& service, Connection&, const Words& words) {
     if (row == nullptr) {
         return usage("show KIND NAME");
     }
-    const Place place = place_of(service, words[2]);
+    const Place place = place_of(service, words[2], row);
     const Record* record =
         place.node != nullptr ? record_named(*place.node, *row, place.name) : nullptr;
     if (record == nullptr) {
@@ -110,69 +108,13 @@ ControlAnswer show_resource(Service& service, Connection&, const Words& words) {
     }
     ControlAnswer answer;
     for (const Field& field : fields_of(row->kind)) {
-        answer.text += std::string(field.name) + "=" + field_text(field, record->entry) + '\n';
+        if (applies(row->kind, field, record->entry)) {
+            const bool hidden = field.type == FieldType::secret;
+            answer.text += std::string(field.name) + "=" +
+                           (hidden ? std::string("***") : field_text(field, record->entry)) + '\n';
+        }
     }
     return answer;
-}
-
-ControlAnswer define_resource(Service& service, Connection&, const Words& words) {
-    const KindRow* row = words.size() >= 3 ? kind_named(words[1]) : nullptr;
-    if (row == nullptr || row->define == 0) {
-        return usage("define KIND NAME [FIELD=VALUE]...");
-    }
-    const Place place = place_of(service, words[2]);
-    if (place.node == nullptr) {
-        return failed("there is no node");
-    }
-    const Record* old = record_named(*place.node, *row, place.name);
-    Bytes entry = old != nullptr ? old->entry : Bytes(row->entry_size);
-    std::string reason;
-    if (!set_field(fields_of(row->kind).front(), entry, place.name, reason)) {
-        return failed(reason);
-    }
-    for (std::size_t i = 3; i < words.size(); ++i) {
-        const std::size_t equals = words[i].find('=');
-        const Field* field =
-            equals == std::string::npos ? nullptr : field_named(*row, words[i].substr(0, equals));
-        if (field == nullptr) {
-            return failed("no such field: " + words[i]);
-        }
-        if (!set_field(*field, entry, words[i].substr(equals + 1), reason)) {
-            return failed(reason);
-        }
-    }
-    if (row->kind == Kind::port) {
-        auto* port = reinterpret_cast<PORT_ENTRY*>(entry.data());
-        const Record* dlc = find(place.node->of(Kind::dlc), raw(port->def.dlc_name, 8));
-        port->dlc_type = dlc != nullptr ? dlc->as<DLC_ENTRY>().def.dlc_type : port->dlc_type;
-    } else if (row->kind == Kind::ls) {
-        auto* ls = reinterpret_cast<LS_ENTRY*>(entry.data());
-        const Record* port = find(place.node->of(Kind::port), raw(ls->def.port_name, 8));
-        ls->det.dlc_type = port != nullptr ? port->as<PORT_ENTRY>().dlc_type : ls->det.dlc_type;
-    }
-    add_default_specific(*row, entry);
-    return answer_of(act(service, place.node, define_of_entry(*row, entry)));
-}
-
-ControlAnswer delete_resource(Service& service, Connection&, const Words& words) {
-    const KindRow* row = words.size() == 3 ? kind_named(words[1]) : nullptr;
-    if (row == nullptr || row->remove == 0) {
-        return usage("delete KIND NAME");
-    }
-    const Place place = place_of(service, words[2]);
-    const Record* record =
-        place.node != nullptr ? record_named(*place.node, *row, place.name) : nullptr;
-    if (record == nullptr) {
-        return failed("no such " + words[1] + ": " + words[2]);
-    }
-    const NBA_VERB_ROW* verb = vnv_verb_search(row->remove, 0, 0);
-    Bytes block(verb != nullptr ? verb->block_size : sizeof(DELETE_BY_NAME8));
-    vcb_header(block.data())->opcode = row->remove;
-    for (std::size_t i = 0; i < row->key.size(); ++i) {
-        std::memcpy(block.data() + row->remove_key[i].offset,
-                    record->entry.data() + row->key[i].offset, row->key[i].length);
-    }
-    return answer_of(act(service, place.node, std::move(block)));
 }
 
 namespace {
@@ -194,7 +136,7 @@ constexpr ManagedKind managed_kinds[] = {
 
 ControlAnswer manage(Service& service, const Words& words, bool start) {
     if (words.size() >= 2 && words.size() <= 3 && words[1] == "node") {
-        const Place place = place_of(service, words.size() == 3 ? words[2] + ":" : "");
+        const Place place = place_of(service, words.size() == 3 ? words[2] + ":" : "", nullptr);
         Bytes block(start ? sizeof(INIT_NODE) : sizeof(STOP_NODE));
         vcb_header(block.data())->opcode = start ? NAP_INIT_NODE : NAP_STOP_NODE;
         return place.node == nullptr ? failed("there is no node")
@@ -207,7 +149,7 @@ ControlAnswer manage(Service& service, const Words& words, bool start) {
     if (managed == std::end(managed_kinds)) {
         return usage(words[0] + " dlc|port|ls|dlur_pu NAME, or " + words[0] + " node [NODE]");
     }
-    const Place place = place_of(service, words[2]);
+    const Place place = place_of(service, words[2], row);
     const Record* record =
         place.node != nullptr ? record_named(*place.node, *row, place.name) : nullptr;
     if (record == nullptr) {
@@ -252,6 +194,11 @@ bool set_pu_state(World& world, Node& node, Kind kind, Record& pu, const std::st
     return true;
 }
 
+// Nobody has sessions with, or through, a node that does not run.
+ControlAnswer not_running(const Node& node) {
+    return failed("the node does not run: " + node.name);
+}
+
 // States of LUs: inactive, active, in-session.
 bool set_lu_state(World& world, Node& node, Kind kind, Record& lu, const std::string& state) {
     const bool session = state == "in-session";
@@ -266,6 +213,9 @@ bool set_lu_state(World& world, Node& node, Kind kind, Record& lu, const std::st
         lu.as<DOWN_LU_ENTRY>().lu_active = active;
         lu.as<DOWN_LU_ENTRY>().plu_session_active = session;
     } else {
+        if (!session) {
+            end_sessions_of(world, node, lu);
+        }
         lu.as<LU62_ENTRY>().session_status = session;
     }
     indicate(world, node, kind, lu, false);
@@ -283,6 +233,13 @@ bool set_simple_state(World& world, Node& node, const KindRow& row, Record& reco
     const Field* field = field_named(row, "state");
     if (field == nullptr || !set_field(*field, record.entry, state, reason)) {
         return false;
+    }
+    if (row.kind == Kind::port && record.as<PORT_ENTRY>().state != NOF_STATE_ACTIVE) {
+        for (Record* ls : children(node.of(Kind::ls), record.key)) { // they go with their port
+            if (ls->as<LS_ENTRY>().det.state != NOF_STATE_INACTIVE) {
+                deactivate_ls(world, node, *ls, false, false);
+            }
+        }
     }
     indicate(world, node, row.kind, record, false);
     return true;
@@ -321,10 +278,13 @@ ControlAnswer set_state(Service& service, Connection&, const Words& words) {
     if (row == nullptr || row->indication == 0) {
         return usage("state KIND NAME STATE");
     }
-    const Place place = place_of(service, words[2]);
+    const Place place = place_of(service, words[2], row);
     Record* record = place.node != nullptr ? record_named(*place.node, *row, place.name) : nullptr;
     if (record == nullptr) {
         return failed("no such " + words[1] + ": " + words[2]);
+    }
+    if (!place.node->active && words[3] == "in-session") {
+        return not_running(*place.node);
     }
     if (!set_state_of(service.world, *place.node, *row, *record, words[3])) {
         return failed("not a state of " + words[1] + ": " + words[3]);
@@ -338,10 +298,13 @@ ControlAnswer use_lu(Service& service, Connection&, const Words& words) {
     if (words.size() < 3) {
         return usage("use LU program|user|client NAME | none");
     }
-    const Place place = place_of(service, words[1]);
+    const Place place = place_of(service, words[1], nullptr);
     Record* lu = place.node != nullptr ? record_named(*place.node, row, place.name) : nullptr;
     if (lu == nullptr) {
         return failed("no such LU: " + words[1]);
+    }
+    if (!place.node->active) {
+        return not_running(*place.node);
     }
     if (words[2] == "none") {
         release_lu(service.world, *place.node, *lu);
@@ -355,6 +318,9 @@ ControlAnswer use_lu(Service& service, Connection&, const Words& words) {
     for (const auto& [name, type] : types) {
         if (words.size() != 4 || words[2] != name) {
             continue;
+        }
+        if (detail.appl_conn_active != 0) { // what had it lets go first
+            release_lu(service.world, *place.node, *lu);
         }
         std::string reason;
         const LU03_DETAIL before = detail;
@@ -383,12 +349,15 @@ ControlAnswer change_sessions(Service& service, Connection&, const Words& words)
     if (words.size() < 5 || words.size() > 6 || !parse_number(words[4], count) || count > 0xFFFF) {
         return usage("session LU PARTNER MODE COUNT [CP]");
     }
-    const Place place = place_of(service, words[1]);
+    const Place place = place_of(service, words[1], nullptr);
     const Record* lu = place.node != nullptr
                            ? record_named(*place.node, kind_row(Kind::local_lu), place.name)
                            : nullptr;
     if (lu == nullptr) {
         return failed("no such local LU: " + words[1]);
+    }
+    if (!place.node->active) {
+        return not_running(*place.node);
     }
     NB_FQNAME partner;
     NB_NAME8E mode;
@@ -416,12 +385,32 @@ ControlAnswer change_server(Service& service, Connection&, const Words& words) {
     return {};
 }
 
+// The new server tells first, as it does when the old one is slow to notice.
+ControlAnswer change_master(Service& service, Connection&, const Words& words) {
+    Domain& domain = service.world.domain;
+    const Node* node = words.size() == 2 ? node_named(domain, words[1]) : nullptr;
+    if (node == nullptr) {
+        return usage("master NAME");
+    }
+    const Node* old = node_named(domain, domain.local_server);
+    domain.local_server = node->name;
+    if (std::find(domain.servers.begin(), domain.servers.end(), node->name) ==
+        domain.servers.end()) {
+        domain.servers.push_back(node->name);
+    }
+    indicate_server(service.world, *node, true);
+    if (old != nullptr && old != node && !old->gone) {
+        indicate_server(service.world, *old, true);
+    }
+    return {};
+}
+
 ControlAnswer send_block(Service& service, Connection&, const Words& words) {
     Bytes block;
     if (words.size() != 2 || !from_hex(words[1], block) || block.size() < sizeof(VCB_HEADER)) {
         return usage("send HEX");
     }
-    return answer_of(act(service, place_of(service, "").node, std::move(block)));
+    return answer_of(act(service, place_of(service, "", nullptr).node, std::move(block)));
 }
 
 } // namespace simnode

@@ -2,10 +2,22 @@
 #pragma once
 
 #include "simnode/control.h"
+#include "simnode/world.h"
 
 namespace simnode {
 
 using Words = std::vector<std::string>; // of the command line, the command first
+
+// What a command names: "NODE:NAME", or "NAME" on the first node; a record of the configuration
+// file by its name alone.
+struct Place {
+    Node* node = nullptr;
+    std::string name;
+};
+Place place_of(Service& service, const std::string& word, const KindRow* row);
+// By the whole name, or by its first part alone; null when there is no such record.
+Record* record_named(const Node& node, const KindRow& row, const std::string& name);
+ControlAnswer answer_of(Rc rc);
 
 ControlAnswer failed(const std::string& reason);
 ControlAnswer usage(const std::string& form);
@@ -23,6 +35,7 @@ ControlAnswer set_state(Service& service, Connection& issuer, const Words& words
 ControlAnswer use_lu(Service& service, Connection& issuer, const Words& words);
 ControlAnswer change_sessions(Service& service, Connection& issuer, const Words& words);
 ControlAnswer change_server(Service& service, Connection& issuer, const Words& words);
+ControlAnswer change_master(Service& service, Connection& issuer, const Words& words);
 ControlAnswer send_block(Service& service, Connection& issuer, const Words& words);
 
 } // namespace simnode

@@ -1,11 +1,13 @@
-// Defines and deletes: one path for every kind, with what a kind checks and completes of its own.
+// Defines and deletes: one path for every kind.
 #include "simnode/request.h"
 
 #include "nof/connectivity.h"
 #include "nof/lu62.h"
 #include "nof/pu_lu.h"
 #include "nof/trace.h"
+#include "simnode/definition_checks.h"
 #include "simnode/indications.h"
+#include "simnode/member_kinds.h"
 
 #include <cstdio>
 #include <cstring>
@@ -13,205 +15,40 @@
 namespace simnode {
 namespace {
 
-bool dependent(const Record& lu) {
-    return lu.as<LU62_ENTRY>().def.nau_address != 0;
+bool lu_is_active(Kind kind, const Record& record) {
+    return kind == Kind::lu_0_to_3       ? record.as<LU03_ENTRY>().det_data.lu_active != 0
+           : kind == Kind::downstream_lu ? record.as<DOWN_LU_ENTRY>().lu_active != 0
+                                         : false;
 }
 
-// The NAU address of a record below a PU; 0: it has none.
-NB_BYTE nau_address(Kind kind, const Record& record) {
-    switch (kind) {
-    case Kind::lu_0_to_3:
-        return record.as<LU03_ENTRY>().def_data.nau_address;
-    case Kind::downstream_lu:
-        return record.as<DOWN_LU_ENTRY>().def.nau_address;
-    case Kind::local_lu:
-        return record.as<LU62_ENTRY>().def.nau_address;
-    default:
-        return 0;
-    }
-}
-
-bool address_in_use(Node& node, Kind kind, const Record& record) {
-    const NB_BYTE address = nau_address(kind, record);
-    static constexpr Kind local[] = {Kind::lu_0_to_3, Kind::local_lu};
-    static constexpr Kind downstream[] = {Kind::downstream_lu};
-    const std::span<const Kind> sharing = kind == Kind::downstream_lu
-                                              ? std::span<const Kind>(downstream)
-                                              : std::span<const Kind>(local);
-    for (const Kind other : sharing) {
-        for (const Record* lu : children(node.of(other), record.parent)) {
-            if (nau_address(other, *lu) == address && (other != kind || lu->key != record.key)) {
-                return true;
-            }
-        }
-    }
-    return false;
-}
-
-Rc check_lu(Node& node, Kind kind, const Record& record) {
-    if (nau_address(kind, record) == 0) {
-        return RC_BAD_VALUE;
-    }
-    if (kind != Kind::downstream_lu) {
-        const Kind other = kind == Kind::lu_0_to_3 ? Kind::local_lu : Kind::lu_0_to_3;
-        if (find(node.of(other), record.key) != nullptr) {
-            return RC_NAME_IN_USE;
-        }
-    }
-    return address_in_use(node, kind, record) ? RC_ADDRESS_IN_USE : Rc{};
-}
-
-Rc check_local_lu(Node& node, const Record& record) {
-    for (const Record* lu : everything(node.of(Kind::local_lu))) {
-        if (lu->key != record.key && std::memcmp(lu->as<LU62_ENTRY>().def.lu_alias,
-                                                 record.as<LU62_ENTRY>().def.lu_alias, 8) == 0) {
-            return RC_NAME_IN_USE;
-        }
-    }
-    return dependent(record) ? check_lu(node, Kind::local_lu, record) : Rc{};
-}
-
-Rc check_ls(Node& node, const Record& record) {
-    const auto& def = record.as<LS_ENTRY>().def;
-    const bool host = def.adj_cp_type == NAP_HOST_XID3 || def.adj_cp_type == NAP_HOST_XID0 ||
-                      def.solicit_sscp_sessions == NAP_YES;
-    const NB_BYTE* pu_name = host ? def.pu_name : def.dspu_name;
-    if ((!host && def.dspu_services == 0) || is_blank(pu_name, 8)) {
-        return host ? RC_BAD_VALUE : Rc{};
-    }
-    for (const Kind kind : {Kind::pu, Kind::dlur_pu, Kind::downstream_pu}) {
-        const Record* pu = find_name8(node, kind, pu_name);
-        if (pu != nullptr && pu->parent != record.key) {
-            return RC_NAME_IN_USE;
-        }
-    }
-    return {};
-}
-
-bool parent_exists(const Node& node, const KindRow& row, const Record& record) {
-    for (const KindRow& other : kind_rows()) {
-        if ((row.parents & kind_bit(other.kind)) != 0 &&
-            find(node.of(other.kind), record.parent) != nullptr) {
-            return true;
-        }
-    }
-    return false;
-}
-
-// Starting a downstream LU defines it once more; that says nothing new of one that is active.
-bool already_started(const Record& record, const Record* old) {
-    return old != nullptr && old->as<DOWN_LU_ENTRY>().lu_active != 0 &&
-           std::memcmp(&old->as<DOWN_LU_ENTRY>().def, &record.as<DOWN_LU_ENTRY>().def,
-                       sizeof(DOWN_LU_DEF)) == 0;
-}
-
-// Whether the resource may be defined so. record: the entry-to-be, old: the one it replaces, null
-// for a new one.
-Rc check_define(Node& node, const KindRow& row, const Record& record, const Record* old) {
-    const bool orphan = !parent_exists(node, row, record);
-    switch (row.kind) {
-    case Kind::port:
-        return orphan ? RC_UNKNOWN_PARENT : Rc{};
-    case Kind::ls:
-        return orphan ? RC_UNKNOWN_PARENT : check_ls(node, record);
-    case Kind::dlur_pu:
-        return find(node.of(Kind::pu), record.key) != nullptr ? RC_NAME_IN_USE : Rc{};
-    case Kind::downstream_lu:
-        if (already_started(record, old)) {
-            return RC_DSLU_ALREADY_ACTIVE;
-        }
-        [[fallthrough]];
-    case Kind::lu_0_to_3:
-        return orphan ? RC_UNKNOWN_PARENT : check_lu(node, row.kind, record);
-    case Kind::local_lu:
-        return dependent(record) && orphan ? RC_UNKNOWN_PARENT : check_local_lu(node, record);
-    case Kind::directory: {
-        const auto& entry = record.as<DIRECTORY_ENTRY>();
-        const bool needs_owner = entry.resource_type == NAP_LU_RESOURCE ||
-                                 entry.resource_type == NAP_WILDCARD_LU_RESOURCE;
-        return needs_owner && record.parent.empty() ? RC_UNKNOWN_PARENT : Rc{};
-    }
-    default:
-        return {};
-    }
-}
-
-// What an entry holds beyond the definition.
-void complete_entry(Node& node, const KindRow& row, Bytes& bytes, const Record* old) {
-    auto* data = bytes.data();
-    switch (row.kind) {
-    case Kind::port: {
-        auto& port = *reinterpret_cast<PORT_ENTRY*>(data);
-        if (const Record* dlc = find(node.of(Kind::dlc), raw(port.def.dlc_name, 8))) {
-            port.dlc_type = dlc->as<DLC_ENTRY>().def.dlc_type;
-        }
-        break;
-    }
-    case Kind::ls: {
-        auto& ls = *reinterpret_cast<LS_ENTRY*>(data);
-        if (const Record* port = find(node.of(Kind::port), raw(ls.def.port_name, 8))) {
-            ls.det.dlc_type = port->as<PORT_ENTRY>().dlc_type;
-            std::memcpy(ls.det.port_address, port->as<PORT_ENTRY>().def.local_address, 7);
-        }
-        Record probe;
-        probe.entry = bytes;
-        ls.det.activation_flags = activation_flags(probe);
-        break;
-    }
-    case Kind::dlur_pu:
-        reinterpret_cast<PU_ENTRY*>(data)->host_attachment = NAP_DLUR_ATTACHED;
-        if (old == nullptr) {
-            reinterpret_cast<PU_ENTRY*>(data)->dlur_status = NOF_DLUR_INACTIVE;
-        }
-        break;
-    case Kind::lu_0_to_3: {
-        auto& lu = *reinterpret_cast<LU03_ENTRY*>(data);
-        if (const Record* pu = find_pu(node, lu.def_data.pu_name)) {
-            lu.det_data.host_attachment = pu->as<PU_ENTRY>().host_attachment;
-            lu.det_data.lu_active = pu->as<PU_ENTRY>().state;
-        }
-        break;
-    }
-    case Kind::downstream_lu: {
-        auto& lu = *reinterpret_cast<DOWN_LU_ENTRY*>(data);
-        if (const Record* pu = find_name8(node, Kind::downstream_pu, lu.def.dspu_name)) {
-            lu.type = pu->as<PU_ENTRY>().host_attachment;
-            lu.lu_active = pu->as<PU_ENTRY>().state;
-        }
-        break;
-    }
-    case Kind::directory: {
-        auto& entry = *reinterpret_cast<DIRECTORY_ENTRY*>(data);
-        entry.entry_type = NOF_DIRECTORY_DEFINED;
-        if (entry.resource_type == NAP_END_NODE_CP_RESOURCE) {
-            std::memcpy(entry.network_node, entry.parent_name, sizeof(NB_FQNAME));
-        }
-        break;
-    }
-    default:
-        break;
-    }
-}
-
-Rc define_from_block(World& world, Node& node, const KindRow& row, std::span<const NB_BYTE> block) {
+Rc define_from_block(World& world, Node& node, const KindRow& row, std::span<const NB_BYTE> given) {
+    const Bytes block = with_lu_name(node, row.kind, given, sizeof(VCB_HEADER));
     const Bytes probe = entry_of_define(row, block, nullptr);
     const Record* old = find(node.of(row.kind), make_key(row.key, probe.data()));
     Bytes entry = entry_of_define(row, block, old);
     complete_entry(node, row, entry, old);
     const Record record = make_record(row, std::move(entry));
-    if (is_blank(record.key.data(), 8) && row.kind != Kind::mode_definition &&
-        row.kind != Kind::partner_definition && row.kind != Kind::directory) {
+    if (!row.unnamed && row.kind != Kind::tp && is_blank(record.key.data(), row.key[0].length)) {
         return RC_BAD_NAME;
     }
-    if (const Rc rc = check_define(node, row, record, old); !rc.ok()) {
+    if (const Rc rc = check_define(node, row, block, record, old); !rc.ok()) {
         return rc;
     }
+    if (const Rc rc = check_nested(row, block); !rc.ok()) {
+        return rc;
+    }
+    const bool was_active = old != nullptr && lu_is_active(row.kind, *old);
     const Record& stored = store(node, row, record.entry);
+    define_nested(node, row, block, stored);
     if (row.kind == Kind::ls) {
         update_pu_of_ls(node, stored);
     }
-    if (row.kind == Kind::downstream_lu && stored.as<DOWN_LU_ENTRY>().lu_active != 0) {
+    const bool active = lu_is_active(row.kind, stored);
+    if (row.kind == Kind::downstream_lu && (active || was_active)) {
         indicate_downstream_lu(world, node, stored);
+    }
+    if (row.kind == Kind::lu_0_to_3 && active != was_active) {
+        indicate_lu_0_to_3(world, node, stored);
     }
     return {};
 }
@@ -248,13 +85,6 @@ Rc unknown_name(Kind kind) {
     }
 }
 
-bool is_control_point(const Node& node, const Record& lu) {
-    const std::string cp = ebcdic_text(node.parameters.cp_name, sizeof(NB_FQNAME));
-    const std::size_t period = cp.find('.');
-    return period != std::string::npos &&
-           ebcdic_text(lu.as<LU62_ENTRY>().lu_name, 8) == cp.substr(period + 1);
-}
-
 } // namespace
 
 Rc define_record(Request& request) {
@@ -265,7 +95,8 @@ Rc define_record(Request& request) {
 Rc delete_record(Request& request) {
     const KindRow& row = *kind_of_remove(vcb_header(request.block.data())->opcode);
     Node& node = *request.target.node;
-    Record* record = find(node.of(row.kind), make_key(row.remove_key, request.block.data()));
+    const Bytes block = with_lu_name(node, row.kind, request.block, sizeof(VCB_HEADER));
+    Record* record = find(node.of(row.kind), make_key(row.remove_key, block.data()));
     if (record == nullptr) {
         return unknown_name(row.kind);
     }
@@ -274,6 +105,19 @@ Rc delete_record(Request& request) {
     }
     if (row.kind == Kind::local_lu && is_control_point(node, *record)) {
         return RC_PERMANENT;
+    }
+    if (row.kind == Kind::directory) {
+        const std::string name = record->key.substr(0, sizeof(NB_FQNAME));
+        const std::vector<Record*> owned = children(node.of(Kind::directory), name);
+        if (record->as<DIRECTORY_ENTRY>().resource_type == NAP_NETWORK_NODE_CP_RESOURCE &&
+            !owned.empty()) {
+            return RC_RESOURCE_ACTIVE; // it serves others
+        }
+        if (record->as<DIRECTORY_ENTRY>().resource_type == NAP_END_NODE_CP_RESOURCE) {
+            for (Record* lu : owned) {
+                remove_record(node, row.kind, *lu);
+            }
+        }
     }
     remove_record(node, row.kind, *record);
     return {};
@@ -380,9 +224,9 @@ Rc define_lu_range(Request& request) {
         for (int address = range.first; address <= range.last; ++address) {
             const Bytes block = lu_of_range(request.block, range, address);
             Record record = make_record(row, entry_of_define(row, block, nullptr));
-            const Rc rc = dry_run
-                              ? check_define(node, row, record, find(node.of(row.kind), record.key))
-                              : define_from_block(request.world, node, row, block);
+            const Rc rc = dry_run ? check_define(node, row, block, record,
+                                                 find(node.of(row.kind), record.key))
+                                  : define_from_block(request.world, node, row, block);
             if (!rc.ok()) {
                 return rc;
             }

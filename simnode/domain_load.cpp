@@ -2,7 +2,11 @@
 
 #include "nof/connectivity.h"
 #include "nof/lu62.h"
+#include "nof/pool.h"
 #include "nof/pu_lu.h"
+#include "nof/tn3270.h"
+#include "nof/user.h"
+#include "simnode/definition_checks.h"
 #include "simnode/manage.h"
 #include "simnode/node_fields.h"
 #include "simnode/specific_data.h"
@@ -72,23 +76,21 @@ bool set_fields(Loader& loader, const toml::table& table, std::span<const Field>
     return true;
 }
 
+// Keeps what the file itself says of a field that otherwise follows from another record.
+void keep(const toml::table& table, const char* name, NB_BYTE said, NB_BYTE& field) {
+    if (table.contains(name)) {
+        field = said;
+    }
+}
+
 // What follows from other records, unless the file says otherwise.
 void complete(Node& node, const KindRow& row, const toml::table& table, Bytes& bytes) {
+    const Bytes said = bytes;
+    take_from_parent(node, row, bytes);
     auto* data = bytes.data();
     switch (row.kind) {
-    case Kind::port: {
-        auto& port = *reinterpret_cast<PORT_ENTRY*>(data);
-        if (const Record* dlc = find(node.of(Kind::dlc), raw(port.def.dlc_name, 8))) {
-            port.dlc_type = dlc->as<DLC_ENTRY>().def.dlc_type;
-        }
-        break;
-    }
     case Kind::ls: {
         auto& ls = *reinterpret_cast<LS_ENTRY*>(data);
-        if (const Record* port = find(node.of(Kind::port), raw(ls.def.port_name, 8))) {
-            ls.det.dlc_type = port->as<PORT_ENTRY>().dlc_type;
-            std::memcpy(ls.det.port_address, port->as<PORT_ENTRY>().def.local_address, 7);
-        }
         if (!table.contains("activation")) {
             Record probe;
             probe.entry = bytes;
@@ -106,7 +108,6 @@ void complete(Node& node, const KindRow& row, const toml::table& table, Bytes& b
     }
     case Kind::dlur_pu: {
         auto& pu = *reinterpret_cast<PU_ENTRY*>(data);
-        pu.host_attachment = NAP_DLUR_ATTACHED;
         if (!table.contains("dlur_state")) {
             pu.dlur_status = pu.state != 0 ? NOF_DLUR_ACTIVE : NOF_DLUR_INACTIVE;
         }
@@ -114,31 +115,40 @@ void complete(Node& node, const KindRow& row, const toml::table& table, Bytes& b
         break;
     }
     case Kind::lu_0_to_3: {
-        auto& lu = *reinterpret_cast<LU03_ENTRY*>(data);
-        if (const Record* pu = find_pu(node, lu.def_data.pu_name)) {
-            lu.det_data.host_attachment = pu->as<PU_ENTRY>().host_attachment;
-            if (!table.contains("lu_active")) {
-                lu.det_data.lu_active = pu->as<PU_ENTRY>().state != 0;
-            }
-        }
-        if (lu.det_data.app_type != NAP_NO_APPLICATION && !table.contains("in_use")) {
-            lu.det_data.appl_conn_active = NAP_YES;
+        auto& detail = reinterpret_cast<LU03_ENTRY*>(data)->det_data;
+        keep(table, "lu_active",
+             reinterpret_cast<const LU03_ENTRY*>(said.data())->det_data.lu_active,
+             detail.lu_active);
+        if (detail.app_type != NAP_NO_APPLICATION && !table.contains("in_use")) {
+            detail.appl_conn_active = NAP_YES;
         }
         break;
     }
-    case Kind::downstream_lu: {
-        auto& lu = *reinterpret_cast<DOWN_LU_ENTRY*>(data);
-        if (const Record* pu = find_name8(node, Kind::downstream_pu, lu.def.dspu_name)) {
-            lu.type = pu->as<PU_ENTRY>().host_attachment;
-            if (!table.contains("lu_active")) {
-                lu.lu_active = pu->as<PU_ENTRY>().state != 0;
-            }
-        }
+    case Kind::downstream_lu:
+        keep(table, "lu_active", reinterpret_cast<const DOWN_LU_ENTRY*>(said.data())->lu_active,
+             reinterpret_cast<DOWN_LU_ENTRY*>(data)->lu_active);
         break;
-    }
     case Kind::local_lu: {
         auto& def = reinterpret_cast<LU62_ENTRY*>(data)->def;
         def.dependent = def.nau_address != 0;
+        break;
+    }
+    case Kind::tn_client: {
+        auto& client = reinterpret_cast<TN3270_ACCESS_ENTRY*>(data)->client;
+        client.default_record = client.address[0] == 0;
+        break;
+    }
+    case Kind::redirect: {
+        auto& key = reinterpret_cast<TN_REDIRECT_ENTRY*>(data)->key;
+        key.default_record = key.client_address[0] == 0;
+        break;
+    }
+    case Kind::rje: {
+        auto& def = reinterpret_cast<RJE_WKSTN_ENTRY*>(data)->def;
+        def.num_lus = 0;
+        for (const NB_NAME8E& lu : def.lu_names) {
+            def.num_lus = static_cast<NB_BYTE>(def.num_lus + !is_blank(lu, sizeof lu));
+        }
         break;
     }
     case Kind::directory: {
@@ -167,8 +177,10 @@ void complete(Node& node, const KindRow& row, const toml::table& table, Bytes& b
 bool check_parent(Loader& loader, const Node& node, const KindRow& row, const toml::table& table,
                   const Record& record) {
     if (row.kind == Kind::directory || row.parents == 0 || record.parent.empty()) {
-        const bool needed = row.kind == Kind::port || row.kind == Kind::ls ||
-                            row.kind == Kind::lu_0_to_3 || row.kind == Kind::downstream_lu;
+        static constexpr Kind orphans[] = {Kind::directory, Kind::pu, Kind::downstream_pu,
+                                           Kind::local_lu};
+        const bool needed = row.parents != 0 && std::find(std::begin(orphans), std::end(orphans),
+                                                          row.kind) == std::end(orphans);
         return !needed || loader.fail(table, std::string(row.name) + " " +
                                                  display_name(row, record) + " names no parent");
     }
@@ -182,20 +194,52 @@ bool check_parent(Loader& loader, const Node& node, const KindRow& row, const to
                                   ": what it belongs to is not defined");
 }
 
+// An LU that a pool's entry names is in that pool.
+bool load_pool(Loader& loader, Node& node, const toml::table& table, Bytes bytes) {
+    const auto& entry = *reinterpret_cast<const LU_POOL_ENTRY*>(bytes.data());
+    const std::string pool = raw(entry.pool_name, 8);
+    if (is_blank(entry.pool_name, 8)) {
+        return loader.fail(table, "pool without a name");
+    }
+    if (!is_blank(entry.lu_name, 8)) {
+        const Record* lu = find_name8(node, Kind::lu_0_to_3, entry.lu_name);
+        if (lu == nullptr) {
+            return loader.fail(table, "the LU of the pool is not defined");
+        }
+        Bytes member = lu->entry;
+        std::memcpy(reinterpret_cast<LU03_ENTRY*>(member.data())->def_data.pool_name,
+                    entry.pool_name, 8);
+        store(node, kind_row(Kind::lu_0_to_3), std::move(member));
+    }
+    const auto members = children(node.of(Kind::pool), pool);
+    if (members.empty()) {
+        store(node, kind_row(Kind::pool), std::move(bytes));
+    } else if (table.contains("description")) {
+        for (Record* member : members) {
+            std::memcpy(member->as<LU_POOL_ENTRY>().description, entry.description,
+                        sizeof entry.description);
+        }
+    }
+    return true;
+}
+
 bool load_record(Loader& loader, Node& node, const KindRow& row, const toml::table& table) {
-    static constexpr std::string_view owner_key[] = {"lu"};
+    const std::string_view owner_name[] = {row.owned ? row.owner : ""};
     const std::span<const std::string_view> others =
-        row.owned ? std::span<const std::string_view>(owner_key)
+        row.owned ? std::span<const std::string_view>(owner_name)
                   : std::span<const std::string_view>();
     Bytes bytes(row.entry_size);
     if (!set_fields(loader, table, fields_of(row.kind), others, bytes)) {
         return false;
     }
     std::string owner;
-    if (row.owned) {
-        NB_NAME8E name;
-        put_ebcdic(name, sizeof name, table["lu"].value_or(std::string_view()));
-        owner = raw(name, sizeof name);
+    std::string reason;
+    if (row.owned &&
+        !owner_key(row, table[row.owner].value_or(std::string_view()), owner, reason)) {
+        return loader.fail(table, reason);
+    }
+    if (row.kind == Kind::pool) {
+        return load_pool(loader, node, table, std::move(bytes));
     }
     const bool made_by_ls = row.kind == Kind::pu || row.kind == Kind::downstream_pu;
     if (Record* old = find(node.of(row.kind), make_record(row, bytes, owner).key)) {
@@ -210,9 +254,7 @@ bool load_record(Loader& loader, Node& node, const KindRow& row, const toml::tab
     add_default_specific(row, bytes);
     const Record record = make_record(row, bytes, owner);
     const std::string first_key = make_key({{row.key[0]}}, bytes.data());
-    if (is_blank(first_key.data(), first_key.size()) && row.kind != Kind::mode_definition &&
-        row.kind != Kind::partner_definition && row.kind != Kind::dlc_trace &&
-        row.kind != Kind::directory) {
+    if (is_blank(first_key.data(), first_key.size()) && !row.unnamed) {
         return loader.fail(table, std::string(row.name) + " without a name");
     }
     if (!check_parent(loader, node, row, table, record)) {
@@ -256,7 +298,7 @@ bool load_all(Loader& loader, const toml::table& node, std::string_view key, Row
     }
     const toml::array* rows = value->as_array();
     if (rows == nullptr) {
-        return loader.fail(*value, "[[node." + std::string(key) + "]] is expected");
+        return loader.fail(*value, std::string(key) + " must be a list of tables");
     }
     for (const toml::node& row : *rows) {
         const toml::table* table = row.as_table();
@@ -298,6 +340,18 @@ bool load_settings(Loader& loader, const toml::table& table, Settings& settings)
     return true;
 }
 
+// The records of every kind that is kept at a place.
+bool load_kinds(Loader& loader, const toml::table& table, Node& place, bool of_domain) {
+    for (const KindRow& row : kind_rows()) {
+        if (row.of_domain == of_domain && !load_all(loader, table, row.name, [&](const auto& t) {
+                return load_record(loader, place, row, t);
+            })) {
+            return false;
+        }
+    }
+    return true;
+}
+
 void preset_node(Node& node) {
     node.parameters.size = sizeof node.parameters;
     node.parameters.node_type = NAP_NODE_NETWORK;
@@ -310,11 +364,13 @@ void preset_node(Node& node) {
 }
 
 bool load_node(Loader& loader, const toml::table& table) {
-    std::vector<std::string_view> others = {"name",       "active",       "configured",
-                                            "back_level", "capabilities", "limits",
-                                            "settings",   "session",      "default_mode"};
+    std::vector<std::string_view> others = {
+        "name",     "active",  "configured",   "back_level", "capabilities", "limits",
+        "settings", "session", "default_mode", "start_time", "stop_time"};
     for (const KindRow& row : kind_rows()) {
-        others.push_back(row.name);
+        if (!row.of_domain) {
+            others.push_back(row.name);
+        }
     }
     auto owned = std::make_unique<Node>();
     Node& node = *owned;
@@ -330,6 +386,8 @@ bool load_node(Loader& loader, const toml::table& table) {
     node.configured = table["configured"].value_or(true);
     node.back_level = table["back_level"].value_or(false);
     node.active = node.active && node.configured;
+    node.start_time = std::chrono::seconds(table["start_time"].value_or(0));
+    node.stop_time = std::chrono::seconds(table["stop_time"].value_or(0));
     if (!load_struct(loader, table, node_parameter_fields(), others, node.parameters)) {
         return false;
     }
@@ -355,11 +413,8 @@ bool load_node(Loader& loader, const toml::table& table) {
         const auto* bytes = reinterpret_cast<const NB_BYTE*>(&defaults);
         node.settings[0].assign(bytes, bytes + sizeof defaults);
     }
-    for (const KindRow& row : kind_rows()) {
-        if (!load_all(loader, table, row.name,
-                      [&](const toml::table& t) { return load_record(loader, node, row, t); })) {
-            return false;
-        }
+    if (!load_kinds(loader, table, node, false)) {
+        return false;
     }
     if (node.configured) {
         add_standard_resources(node);
@@ -374,9 +429,14 @@ bool load_node(Loader& loader, const toml::table& table) {
 
 bool load_domain_table(Loader& loader, const toml::table& table) {
     Domain& domain = loader.domain;
-    static constexpr std::string_view known[] = {
+    std::vector<std::string_view> known = {
         "client_server", "configuration_file", "local_server", "central_logger",
         "servers",       "read_only_uids",     "settings"};
+    for (const KindRow& row : kind_rows()) {
+        if (row.of_domain) {
+            known.push_back(row.name);
+        }
+    }
     Bytes none;
     if (!set_fields(loader, table, {}, known, none)) {
         return false;
@@ -399,7 +459,10 @@ bool load_domain_table(Loader& loader, const toml::table& table) {
         }
     }
     const auto* settings = table["settings"].as_table();
-    return settings == nullptr || load_settings(loader, *settings, domain.settings);
+    if (settings != nullptr && !load_settings(loader, *settings, domain.settings)) {
+        return false;
+    }
+    return load_kinds(loader, table, domain.file, true);
 }
 
 } // namespace

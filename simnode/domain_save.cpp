@@ -1,6 +1,5 @@
 #include "simnode/domain_file.h"
 
-#include "nof/pu_lu.h"
 #include "simnode/node_fields.h"
 
 #include <algorithm>
@@ -21,6 +20,9 @@ bool is_number(const Field& field, std::string_view text) {
 // Whether a field is worth a line: it is not all zeros or blanks, and means something for this
 // entry.
 bool worth_writing(const KindRow* row, const Field& field, const Bytes& bytes) {
+    if (field.type == FieldType::item) {
+        return false; // part of the specific data
+    }
     const std::size_t end =
         field.type == FieldType::tail ? bytes.size() : field.offset + std::size_t{field.length};
     if (end > bytes.size() || end == field.offset) {
@@ -30,8 +32,7 @@ bool worth_writing(const KindRow* row, const Field& field, const Bytes& bytes) {
         field.type != FieldType::tail) {
         return false; // part of the specific data
     }
-    if (field.application != 0 &&
-        reinterpret_cast<const LU03_ENTRY*>(bytes.data())->det_data.app_type != field.application) {
+    if (row != nullptr && !applies(row->kind, field, bytes)) {
         return false;
     }
     const NB_BYTE* start = bytes.data() + field.offset;
@@ -89,28 +90,38 @@ const char* yes_no(bool value) {
     return value ? "true" : "false";
 }
 
+void write_kinds(std::string& out, const std::string& table, const Node& place, bool of_domain) {
+    for (const KindRow& row : kind_rows()) {
+        if (row.of_domain != of_domain) {
+            continue;
+        }
+        for (const Record* record : everything(place.of(row.kind))) {
+            out += "[[" + table + "." + std::string(row.name) + "]]\n";
+            if (row.owned) {
+                out += std::string(row.owner) + " = " + quoted(owner_text(row, *record)) + "\n";
+            }
+            write_fields(out, &row, fields_of(row.kind), record->entry);
+        }
+    }
+}
+
 void write_node(std::string& out, const Node& node) {
     out += "\n[[node]]\nname = " + quoted(node.name) + "\nactive = " + yes_no(node.active) +
            "\nconfigured = " + yes_no(node.configured) +
            "\nback_level = " + yes_no(node.back_level) + "\n";
+    for (const auto& [name, time] :
+         {std::pair("start_time", node.start_time), std::pair("stop_time", node.stop_time)}) {
+        if (time.count() != 0) {
+            out += std::string(name) + " = " + std::to_string(time.count() / 1000) + "\n";
+        }
+    }
     write_fields(out, nullptr, node_parameter_fields(), bytes_of(node.parameters));
     out += "[node.capabilities]\n";
     write_fields(out, nullptr, node_capability_fields(), bytes_of(node.capabilities));
     out += "[node.limits]\n";
     write_fields(out, nullptr, node_limit_fields(), bytes_of(node.limits));
     write_settings(out, "[node.settings]\n", node.settings);
-    for (const KindRow& row : kind_rows()) {
-        for (const Record* record : everything(node.of(row.kind))) {
-            out += "[[node." + std::string(row.name) + "]]\n";
-            if (row.owned) {
-                out += "lu = " +
-                       quoted(ebcdic_text(reinterpret_cast<const NB_BYTE*>(record->parent.data()),
-                                          record->parent.size())) +
-                       "\n";
-            }
-            write_fields(out, &row, fields_of(row.kind), record->entry);
-        }
-    }
+    write_kinds(out, "node", node, false);
 }
 
 } // namespace
@@ -129,6 +140,7 @@ std::string domain_text(const Domain& domain) {
     }
     out += "]\n";
     write_settings(out, "[domain.settings]\n", domain.settings);
+    write_kinds(out, "domain", domain.file, true);
     for (const auto& node : domain.nodes) {
         write_node(out, *node);
     }

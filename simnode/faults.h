@@ -39,6 +39,15 @@ struct LateAnswer {
     Clock::time_point due; // time_point::max(): held until released
 };
 
+// A verb that takes its time: carried out when it is due.
+struct SlowVerb {
+    NB_ULONG operator_id;
+    Target target; // should the operator be gone by then
+    WIRE_FRAME header;
+    Bytes block;
+    Clock::time_point due;
+};
+
 struct Faults {
     std::vector<FailRule> fail;
     std::map<NB_USHORT, std::chrono::milliseconds> delays;
@@ -46,6 +55,8 @@ struct Faults {
     std::vector<NB_USHORT> immediate; // opcodes that operators' libraries complete at once
     std::optional<DamageRule> damage;
     std::vector<LateAnswer> late;
+    std::map<NB_USHORT, std::chrono::milliseconds> durations; // of verbs that take their time
+    std::vector<SlowVerb> slow;
 };
 
 // The return codes with which a verb is to fail now, if it is; counts the rule down.

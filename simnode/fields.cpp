@@ -1,13 +1,80 @@
 // The values of fields as texts, and texts as values.
 #include "simnode/kinds.h"
 
+#include "nof/tp.h"
+
 #include <algorithm>
 #include <charconv>
 #include <cstring>
 
 namespace simnode {
 
+namespace {
+
+// The list of items that stands where a kind's specific data is: from its offset to the entry's
+// end. Only load information has one.
+constexpr std::size_t ITEMS = sizeof(TP_LOAD_INFO_ENTRY);
+
+// Where the first item of a type begins; the end of the list when there is none.
+std::size_t item_at(const Bytes& entry, unsigned type) {
+    std::size_t at = ITEMS;
+    while (at + sizeof(LTV_ITEM) <= entry.size()) {
+        const auto& item = *reinterpret_cast<const LTV_ITEM*>(entry.data() + at);
+        const std::size_t length = item.length.get();
+        if (length < sizeof item || at + length > entry.size()) {
+            break;
+        }
+        if (item.type == type) {
+            return at;
+        }
+        at += length;
+    }
+    return at;
+}
+
+std::string item_text(const Bytes& entry, unsigned type) {
+    const std::size_t at = item_at(entry, type);
+    if (at + sizeof(LTV_ITEM) > entry.size()) {
+        return {};
+    }
+    const auto& item = *reinterpret_cast<const LTV_ITEM*>(entry.data() + at);
+    const std::size_t length = item.length.get();
+    if (item.type != type || length < sizeof item || at + length > entry.size()) {
+        return {};
+    }
+    return raw(entry.data() + at + sizeof item, length - sizeof item);
+}
+
+void set_item(Bytes& entry, unsigned type, std::string_view text) {
+    auto& definition = reinterpret_cast<TP_LOAD_INFO_ENTRY*>(entry.data())->def_data;
+    entry.resize(ITEMS + std::min<std::size_t>(entry.size() - ITEMS, definition.ltv_length));
+    const std::size_t at = item_at(entry, type);
+    if (at + sizeof(LTV_ITEM) <= entry.size()) {
+        const auto start = entry.begin() + static_cast<std::ptrdiff_t>(at);
+        const std::size_t length = reinterpret_cast<const LTV_ITEM*>(&*start)->length.get();
+        if (length < sizeof(LTV_ITEM) || at + length > entry.size()) {
+            entry.resize(at); // what follows is no list
+        } else {
+            entry.erase(start, start + static_cast<std::ptrdiff_t>(length));
+        }
+    }
+    LTV_ITEM item{};
+    item.length.set(static_cast<NB_USHORT>(sizeof item + text.size()));
+    item.type = static_cast<NB_BYTE>(type);
+    const auto* header = reinterpret_cast<const NB_BYTE*>(&item);
+    entry.insert(entry.end(), header, header + sizeof item);
+    entry.insert(entry.end(), text.begin(), text.end());
+    reinterpret_cast<TP_LOAD_INFO_ENTRY*>(entry.data())->def_data.ltv_length =
+        static_cast<NB_USHORT>(entry.size() - ITEMS);
+    entry.resize((entry.size() + 3) / 4 * 4);
+}
+
+} // namespace
+
 std::string field_text(const Field& field, const Bytes& entry) {
+    if (field.type == FieldType::item) {
+        return item_text(entry, field.offset);
+    }
     if (field.type == FieldType::tail) {
         return to_hex(entry.data() + field.offset, entry.size() - field.offset);
     }
@@ -70,6 +137,14 @@ bool parse_value(const Field& field, std::string_view text, NB_ULONG& value, std
 } // namespace
 
 bool set_field(const Field& field, Bytes& entry, std::string_view text, std::string& error) {
+    if (field.type == FieldType::item) {
+        if (text.size() > 255) {
+            error = std::string(field.name) + " is longer than 255 characters";
+            return false;
+        }
+        set_item(entry, field.offset, text);
+        return true;
+    }
     if (field.type == FieldType::tail) {
         Bytes bytes;
         if (!from_hex(text, bytes)) {
@@ -107,6 +182,7 @@ bool set_field(const Field& field, Bytes& entry, std::string_view text, std::str
         put_text(reinterpret_cast<char*>(bytes), field.length, text);
         return true;
     case FieldType::hex:
+    case FieldType::secret:
     case FieldType::node_id: {
         Bytes value;
         if (!from_hex(text, value) || value.size() > field.length) {

@@ -3,6 +3,7 @@
 #include "nof/connectivity.h"
 #include "nof/lu62.h"
 #include "nof/pu_lu.h"
+#include "simnode/generate_definitions.h"
 #include "simnode/specific_data.h"
 
 #include <algorithm>
@@ -102,14 +103,19 @@ void add_local_lu(Node& node, unsigned long number) {
     store(node, kind_row(Kind::local_lu), std::move(bytes));
 }
 
+// Kinds that the named counts are for, or that follow from other records.
+bool has_count_of_its_own(Kind kind) {
+    static constexpr Kind kinds[] = {Kind::port, Kind::ls, Kind::pu, Kind::lu_0_to_3,
+                                     Kind::local_lu};
+    return std::find(std::begin(kinds), std::end(kinds), kind) != std::end(kinds);
+}
+
 } // namespace
 
 bool parse_counts(std::string_view text, Counts& counts, std::string& error) {
-    const std::pair<std::string_view, unsigned long*> names[] = {{"port", &counts.ports},
-                                                                 {"ls", &counts.link_stations},
-                                                                 {"pu", &counts.pus},
-                                                                 {"lu03", &counts.lus_0_to_3},
-                                                                 {"lu62", &counts.local_lus}};
+    const std::pair<std::string_view, unsigned long*> names[] = {
+        {"node", &counts.nodes}, {"port", &counts.ports},      {"ls", &counts.link_stations},
+        {"pu", &counts.pus},     {"lu03", &counts.lus_0_to_3}, {"lu62", &counts.local_lus}};
     while (!text.empty()) {
         const std::string_view item = text.substr(0, text.find(','));
         text.remove_prefix(std::min(text.size(), item.size() + 1));
@@ -118,33 +124,58 @@ bool parse_counts(std::string_view text, Counts& counts, std::string& error) {
         for (const auto& [name, target] : names) {
             count = item.substr(0, equals) == name ? target : count;
         }
+        const KindRow* row = count == nullptr ? kind_named(item.substr(0, equals)) : nullptr;
+        if (row != nullptr && !has_count_of_its_own(row->kind)) {
+            count = &counts.others[static_cast<std::size_t>(row->kind)];
+        }
         const std::string_view number =
             equals == std::string_view::npos ? std::string_view() : item.substr(equals + 1);
         if (count == nullptr || number.find_first_not_of("0123456789") != std::string_view::npos ||
-            !parse_number(number, *count) || *count > 9'999'999) {
+            !parse_number(number, *count) || *count > 9'999'999 || counts.nodes == 0) {
             error =
-                "not KIND=COUNT with KIND one of port, ls, pu, lu03, lu62: " + std::string(item);
+                "not KIND=COUNT with KIND one of node, port, ls, pu, lu03, lu62 or another kind's "
+                "name: " +
+                std::string(item);
             return false;
         }
     }
     return true;
 }
 
-void generate_domain(Domain& domain, Counts counts) {
-    auto owned = std::make_unique<Node>();
-    Node& node = *owned;
-    node.name = "generated";
-    node.active = true;
-    node.parameters.size = sizeof node.parameters;
-    node.parameters.node_type = NAP_NODE_NETWORK;
-    put_ebcdic(node.parameters.cp_name, sizeof node.parameters.cp_name, "GENNET.GENNODE");
-    put_local(node.parameters.cp_alias, 8, "GENNODE");
-    put_text(node.parameters.description, sizeof node.parameters.description, "Generated node");
-    node.capabilities = {{1, 1}, {1, 1}, 1, 1, 0, 1, 1, 1, 1};
+namespace {
 
+// Raises counts to what the other records need above them.
+void raise_counts(Counts& counts) {
+    auto& others = counts.others;
+    for (auto row = kind_rows().rbegin(); row != kind_rows().rend(); ++row) {
+        raise_parents(*row, others);
+    }
+    counts.ports = std::max(counts.ports, others[static_cast<std::size_t>(Kind::port)]);
+    counts.lus_0_to_3 =
+        std::max(counts.lus_0_to_3, others[static_cast<std::size_t>(Kind::lu_0_to_3)]);
+    counts.local_lus = std::max(counts.local_lus, others[static_cast<std::size_t>(Kind::local_lu)]);
     counts.pus = std::max(counts.pus, (counts.lus_0_to_3 + LUS_PER_PU - 1) / LUS_PER_PU);
     counts.link_stations = std::max(counts.link_stations, counts.pus);
     counts.ports = std::max(counts.ports, (counts.link_stations + LS_PER_PORT - 1) / LS_PER_PORT);
+}
+
+// The number is left out of the names of an only node.
+std::unique_ptr<Node> new_node(unsigned long number, unsigned long nodes) {
+    auto node = std::make_unique<Node>();
+    const std::string digits = nodes > 1 ? numbered("", number, 2) : "";
+    node->name = "generated" + digits;
+    node->active = true;
+    node->parameters.size = sizeof node->parameters;
+    node->parameters.node_type = NAP_NODE_NETWORK;
+    put_ebcdic(node->parameters.cp_name, sizeof node->parameters.cp_name,
+               (nodes > 1 ? "GENNET.GEN" + digits : "GENNET.GENNODE"));
+    put_local(node->parameters.cp_alias, 8, nodes > 1 ? "GEN" + digits : "GENNODE");
+    put_text(node->parameters.description, sizeof node->parameters.description, "Generated node");
+    node->capabilities = {{1, 1}, {1, 1}, 1, 1, 0, 1, 1, 1, 1};
+    return node;
+}
+
+void fill_node(Node& node, const Counts& counts) {
     if (counts.ports != 0) {
         add_dlc(node);
     }
@@ -160,10 +191,36 @@ void generate_domain(Domain& domain, Counts counts) {
     for (unsigned long i = 0; i < counts.local_lus; ++i) {
         add_local_lu(node, i);
     }
-    add_standard_resources(node);
-    domain.local_server = node.name;
-    domain.central_logger = node.name;
-    domain.nodes.push_back(std::move(owned));
+}
+
+// The records of the remaining kinds that the domain, or each node, keeps.
+void fill_others(Node& node, const Counts& counts, bool of_domain) {
+    for (const KindRow& row : kind_rows()) {
+        const unsigned long count = counts.others[static_cast<std::size_t>(row.kind)];
+        for (unsigned long i = 0;
+             i < count && row.of_domain == of_domain && !has_count_of_its_own(row.kind); ++i) {
+            add_generated(node, row, i);
+        }
+    }
+}
+
+} // namespace
+
+void generate_domain(Domain& domain, Counts counts) {
+    raise_counts(counts);
+    for (unsigned long i = 0; i < counts.nodes; ++i) {
+        auto node = new_node(i, counts.nodes);
+        fill_node(*node, counts);
+        fill_others(*node, counts, false);
+        add_standard_resources(*node);
+        domain.nodes.push_back(std::move(node));
+    }
+    fill_others(domain.file, counts, true);
+    domain.client_server = counts.nodes > 1;
+    domain.local_server = domain.central_logger = domain.nodes.front()->name;
+    if (domain.client_server) {
+        domain.servers.push_back(domain.local_server);
+    }
 }
 
 } // namespace simnode

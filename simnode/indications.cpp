@@ -1,6 +1,7 @@
 #include "simnode/indications.h"
 
 #include "nof/connectivity.h"
+#include "nof/ipbridge.h"
 #include "nof/lu62.h"
 #include "nof/pu_lu.h"
 
@@ -174,8 +175,18 @@ void indicate_directory(World& world, Node& node, const Record& record, bool rem
     queue(world, &node, NAP_DIRECTORY_INDICATION, std::move(draft.bytes));
 }
 
+void indicate_appcip_session(World& world, Node& node, const Record& record, bool ended) {
+    const auto& entry = record.as<IPBRIDGE_APPCIP_ENTRY>();
+    Draft<IPBRIDGE_INDICATION> draft;
+    draft.block.change = ended ? NOF_IPBRIDGE_ENDED : entry.state;
+    draft.block.session = entry.session;
+    queue(world, &node, NAP_IPBRIDGE_INDICATION, std::move(draft.bytes));
+}
+
 void indicate(World& world, Node& node, Kind kind, const Record& record, bool gone) {
     switch (kind) {
+    case Kind::appcip_session:
+        return indicate_appcip_session(world, node, record, gone);
     case Kind::dlc:
         return indicate_dlc(world, node, record);
     case Kind::port:

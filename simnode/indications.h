@@ -19,6 +19,7 @@ void indicate_local_lu(World& world, Node& node, const Record& lu);
 void indicate_partner(World& world, Node& node, const Record& partner, bool gone);
 void indicate_mode(World& world, Node& node, const Record& mode, bool gone);
 void indicate_directory(World& world, Node& node, const Record& entry, bool removed);
+void indicate_appcip_session(World& world, Node& node, const Record& session, bool ended);
 
 // The indication of any kind of record; gone: the record is about to be removed.
 void indicate(World& world, Node& node, Kind kind, const Record& record, bool gone);

@@ -28,18 +28,34 @@ constexpr Secret secrets[] = {
 
 // The resource's name: the first key of a kind, local or EBCDIC as its field says.
 std::string key_text(const KindRow& row, const Key& key, std::span<const NB_BYTE> block) {
-    const Piece& piece = key[row.owned && key[1].length != 0 ? 1 : 0];
+    std::size_t index = row.owned && key[1].length != 0 ? 1 : 0;
+    while (index + 1 < key.size() && key[index].number && key[index + 1].length != 0) {
+        ++index;
+    }
+    const Piece& piece = key[index];
     if (piece.length == 0 || piece.offset + std::size_t{piece.length} > block.size()) {
         return {};
     }
     const NB_BYTE* name = block.data() + piece.offset;
     for (const Field& field : fields_of(row.kind)) {
-        if (field.offset == row.key[0].offset) {
+        if (field.offset == row.key[row.key[0].number ? index : 0].offset) {
             return field.type == FieldType::ebcdic ? ebcdic_text(name, piece.length)
                                                    : local_text(name, piece.length);
         }
     }
     return {};
+}
+
+// The key of a kind as its define block has it.
+Key key_in_define(const KindRow& row) {
+    Key key = row.key;
+    const Copy& first = row.copies.front(); // holds the key
+    for (Piece& piece : key) {
+        if (piece.length != 0) {
+            piece.offset = static_cast<NB_USHORT>(piece.offset - first.entry + first.block);
+        }
+    }
+    return key;
 }
 
 struct NamedVerb {
@@ -68,10 +84,8 @@ constexpr NamedVerb named_verbs[] = {
 
 std::string name_in_block(std::span<const NB_BYTE> block) {
     const NB_USHORT opcode = vcb_header(block.data())->opcode;
-    if (const KindRow* row = kind_of_define(opcode)) {
-        const Key defined = {
-            {{row->copies.empty() ? NB_USHORT{0} : row->copies.front().block, row->key[0].length}}};
-        return key_text(*row, defined, block);
+    if (const KindRow* row = opcode != 0 ? kind_of_define(opcode) : nullptr) {
+        return key_text(*row, key_in_define(*row), block);
     }
     if (const KindRow* row = kind_of_remove(opcode)) {
         return key_text(*row, row->remove_key, block);

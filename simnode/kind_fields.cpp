@@ -4,6 +4,8 @@
 #include "nof/lu62.h"
 #include "nof/node.h"
 #include "nof/pu_lu.h"
+#include "nof/user.h"
+#include "simnode/definition_fields.h"
 
 namespace simnode {
 namespace {
@@ -322,12 +324,24 @@ constexpr std::span<const Field> fields[] = {
     cos_row, // of TGs
     dlc_trace,
 };
-static_assert(std::size(fields) == KIND_COUNT);
+static_assert(std::size(fields) == static_cast<std::size_t>(Kind::cn));
 
 } // namespace
 
 std::span<const Field> fields_of(Kind kind) {
-    return fields[static_cast<std::size_t>(kind)];
+    const auto index = static_cast<std::size_t>(kind);
+    return index < std::size(fields) ? fields[index] : definition_fields(kind);
+}
+
+bool applies(Kind kind, const Field& field, const Bytes& entry) {
+    if (field.variant == 0) {
+        return true;
+    }
+    const NB_BYTE variant =
+        kind == Kind::user_session
+            ? reinterpret_cast<const USER_SESSION*>(entry.data())->session_type
+            : reinterpret_cast<const LU03_ENTRY*>(entry.data())->det_data.app_type;
+    return field.variant == variant;
 }
 
 } // namespace simnode

@@ -28,14 +28,41 @@ enum class Kind : NB_BYTE {
     cos_node_row,
     cos_tg_row,
     dlc_trace,
+    cn,
+    cn_port,
+    lu62_timeout,
+    ls_routing,
+    tp,
+    tp_load,
+    dspu_template,
+    dslu_template,
+    primary_line,
+    primary_lu0,
+    userid,
+    access_list,
+    access_user,
+    lu_lu_password,
+    tn_client,
+    tn_session,
+    association,
+    redirect,
+    appcip_session,
+    rtp,
+    pool,
+    extra_data,
+    user, // of the configuration file, like the following
+    user_session,
+    cpic,
+    rje,
     count
 };
 inline constexpr std::size_t KIND_COUNT = static_cast<std::size_t>(Kind::count);
-constexpr NB_ULONG kind_bit(Kind kind) {
-    return 1u << static_cast<unsigned>(kind);
+constexpr std::uint64_t kind_bit(Kind kind) {
+    return std::uint64_t{1} << static_cast<unsigned>(kind);
 }
 
-// Bytes of a block or entry that belong to a key. A number is a 16-bit field in host order.
+// Bytes of a block or entry that belong to a key. A number is a field of 2 or 4 bytes in host
+// order.
 struct Piece {
     NB_USHORT offset = 0;
     NB_USHORT length = 0;
@@ -58,6 +85,18 @@ struct Tail {
     NB_USHORT length2 = 0;
 };
 
+// Records that stand in one entry with the record they belong to: one after the other behind its
+// fixed part, as many as a count says. A define block has them behind its own fixed part.
+struct Nested {
+    Kind kind{}; // not below another kind: none
+    NB_USHORT element = 0;
+    NB_USHORT block_count = 0; // offsets of the count in the define block and in the entry
+    NB_USHORT entry_count = 0;
+    NB_BYTE count_width = 0;
+    bool continued = false; // an entry may hold only some of them; the next one goes on
+    Key query_key{};        // in the query block: the last one received
+};
+
 enum class FieldType : NB_BYTE {
     ebcdic,  // name padded with EBCDIC blanks
     local,   // name padded with local blanks
@@ -67,7 +106,9 @@ enum class FieldType : NB_BYTE {
     hex,
     choice,
     flag,
-    tail, // the specific data, as hexadecimal digits
+    secret, // bytes as hexadecimal digits, never shown
+    tail,   // the specific data, as hexadecimal digits
+    item,   // text in a list of items in the specific data; the offset is its type
 };
 
 struct Choice {
@@ -82,7 +123,8 @@ struct Field {
     NB_USHORT offset;
     NB_USHORT length;
     std::span<const Choice> choices = {};
-    NB_BYTE application = 0; // meaningful only for this kind of application of an LU 0 to 3
+    NB_BYTE variant = 0; // meaningful only for this kind of application of an LU 0 to 3, or for
+                         // this type of session of a user
 };
 
 struct KindRow {
@@ -90,13 +132,16 @@ struct KindRow {
     const char* name{}; // in domain files and control commands
     NB_USHORT entry_size{};
     NB_USHORT query{};
-    Key query_key{};      // in the query block; an owner's name comes first
-    Key key{};            // in the entry
-    Piece query_parent{}; // in the query block: the list is limited to this parent, unless it is
-                          // blank
-    Piece parent{};       // in the entry
-    NB_ULONG parents{};   // kinds of the record that carries the parent's name
-    bool owned{};         // the entry does not name the parent; the key begins with its name
+    Key query_key{};         // in the query block; an owner's name comes first
+    Key key{};               // in the entry
+    Piece query_parent{};    // in the query block: the list is limited to this parent, unless it is
+                             // blank
+    Piece parent{};          // in the entry
+    std::uint64_t parents{}; // kinds of the record that carries the parent's name
+    bool owned{};            // the entry does not name the parent; the key begins with its name
+    const char* owner{};     // of owned kinds: the parent under its name in domain files
+    bool of_domain{};        // kept in the configuration file, not on a node
+    bool unnamed{};          // the first part of the key may be blank
     NB_USHORT indication{};
     NB_USHORT define{};
     NB_USHORT define_size{};
@@ -104,6 +149,7 @@ struct KindRow {
     Key remove_key{}; // in the delete block
     std::span<const Copy> copies{};
     Tail tail{};
+    Nested nested{};
 };
 
 std::span<const KindRow> kind_rows();
@@ -118,7 +164,14 @@ std::string make_key(const Key& key, const NB_BYTE* block);
 // A name field as a parent's name; empty when it is blank.
 std::string parent_name(const Piece& piece, const NB_BYTE* block);
 // The name that children of a record carry.
-std::string name_for_children(const Record& record);
+std::string name_for_children(Kind kind, const Record& record);
+// The row of the kind whose entries hold a nested kind; null for other kinds.
+const KindRow* holder_of(Kind kind);
+// The kind that owns an owned kind.
+const KindRow& owner_row(const KindRow& row);
+// The name of a record's owner in the form that its key begins with, and the reverse.
+bool owner_key(const KindRow& row, std::string_view text, std::string& key, std::string& error);
+std::string owner_text(const KindRow& row, const Record& record);
 // A record of an entry, with its key, order and parent. owner: for owned kinds the name of its
 // owner.
 Record make_record(const KindRow& row, Bytes entry, const std::string& owner = {});
@@ -127,13 +180,21 @@ Record make_record(const KindRow& row, Bytes entry, const std::string& owner = {
 std::size_t tail_length(const KindRow& row, const NB_BYTE* block);
 // An entry made of a define block; what the block does not say comes from old, or is zero.
 Bytes entry_of_define(const KindRow& row, std::span<const NB_BYTE> block, const Record* old);
+// The nested elements of a define block that is as long as it announces.
+std::span<const NB_BYTE> nested_of_define(const KindRow& row, std::span<const NB_BYTE> block);
+NB_ULONG read_count(const NB_BYTE* field, NB_BYTE width);
+void write_count(NB_BYTE* field, NB_BYTE width, std::size_t count);
 // The reverse: the define block, header included, that makes such an entry.
 Bytes define_of_entry(const KindRow& row, const Bytes& entry);
+// The define block of a nested record's owner that adds the record.
+Bytes define_of_nested(const KindRow& row, const Bytes& owner, const Bytes& entry);
 
 // The value of a field as text, and the reverse; false with a reason when the text does not fit the
 // field. A name of zeros is an empty text, one of blanks a single blank.
 std::string field_text(const Field& field, const Bytes& entry);
 bool set_field(const Field& field, Bytes& entry, std::string_view text, std::string& error);
+// Whether a field means something for this entry.
+bool applies(Kind kind, const Field& field, const Bytes& entry);
 const Field* field_named(const KindRow& row, std::string_view name);
 // The record's name as the operator writes it: the first key field, with owner and further keys
 // after blanks.

@@ -4,9 +4,15 @@
 
 #include "simnode/world.h"
 
+#include <chrono>
+#include <map>
+
 namespace simnode {
 
 // One turn: a few things happen, chosen by the seed, which is moved on.
 void live(World& world, unsigned& seed);
+
+// How long starting and stopping takes then.
+std::map<NB_USHORT, std::chrono::milliseconds> lively_durations();
 
 } // namespace simnode

@@ -38,6 +38,20 @@ void clear_application(LU03_DETAIL& detail) {
     detail.application = {};
 }
 
+} // namespace
+
+void end_sessions_of(World& world, Node& node, const Record& lu) {
+    std::vector<MODE_ENTRY> modes;
+    for (const Record* mode : children(node.of(Kind::mode), lu.key)) {
+        modes.push_back(mode->as<MODE_ENTRY>());
+    }
+    for (const MODE_ENTRY& mode : modes) {
+        set_sessions(world, node, lu, mode.plu_name, mode.mode_name, mode.cp_name, 0);
+    }
+}
+
+namespace {
+
 // LUs below a PU follow its state: active, or inactive and without sessions.
 void set_lus(World& world, Node& node, const Record& pu, bool active) {
     for (Record* lu : children(node.of(Kind::lu_0_to_3), pu.key)) {
@@ -58,6 +72,7 @@ void set_lus(World& world, Node& node, const Record& pu, bool active) {
     }
     for (Record* lu : children(node.of(Kind::local_lu), pu.key)) {
         if (!active && lu->as<LU62_ENTRY>().session_status != 0) {
+            end_sessions_of(world, node, *lu);
             lu->as<LU62_ENTRY>().session_status = 0;
             indicate_local_lu(world, node, *lu);
         }
@@ -102,6 +117,42 @@ void activate_ls(World& world, Node& node, Record& ls) {
     }
 }
 
+const Record* other_link(const Node& node, const RTP_CONNECTION_ENTRY& connection) {
+    const Record* found = nullptr;
+    for (const Record* ls : everything(node.of(Kind::ls))) {
+        const auto& entry = ls->as<LS_ENTRY>();
+        if (entry.det.state != NOF_STATE_ACTIVE || entry.det.adj_cp_type != NAP_NETWORK_NODE ||
+            std::memcmp(entry.ls_name, connection.first_hop_ls, sizeof entry.ls_name) == 0) {
+            continue;
+        }
+        if (std::memcmp(entry.det.adj_cp_name, connection.destination, sizeof(NB_FQNAME)) == 0) {
+            return ls;
+        }
+        found = found == nullptr ? ls : found;
+    }
+    return found;
+}
+
+namespace {
+
+// RTP connections over a link that is lost take another one, or end.
+void reroute_connections(Node& node, const Record& ls) {
+    for (Record* connection : everything(node.of(Kind::rtp))) {
+        auto& entry = connection->as<RTP_CONNECTION_ENTRY>();
+        if (raw(entry.first_hop_ls, sizeof entry.first_hop_ls) != ls.key) {
+            continue;
+        }
+        if (const Record* other = other_link(node, entry)) {
+            std::memcpy(entry.first_hop_ls, other->as<LS_ENTRY>().ls_name,
+                        sizeof entry.first_hop_ls);
+        } else {
+            erase(node.of(Kind::rtp), *connection);
+        }
+    }
+}
+
+} // namespace
+
 void deactivate_ls(World& world, Node& node, Record& ls, bool failed, bool disable) {
     auto& entry = ls.as<LS_ENTRY>();
     const bool was_active = entry.det.state == NOF_STATE_ACTIVE;
@@ -124,9 +175,28 @@ void deactivate_ls(World& world, Node& node, Record& ls, bool failed, bool disab
     indicate_ls(world, node, ls, new_state, dynamic);
     if (was_active) {
         end_sessions_with(world, node, cp);
+        reroute_connections(node, ls);
     }
     if (dynamic) {
         remove_record(node, Kind::ls, ls);
+    }
+}
+
+void begin_start_of_ls(World& world, Node& node, std::span<const NB_BYTE> verb) {
+    if (verb.size() < sizeof(START_LS) || !node.active) {
+        return;
+    }
+    const auto& start = *reinterpret_cast<const START_LS*>(verb.data());
+    Record* ls = find(node.of(Kind::ls), raw(start.ls_name, 8));
+    const Record* port = ls != nullptr ? find(node.of(Kind::port), ls->parent) : nullptr;
+    if (port == nullptr || port->as<PORT_ENTRY>().state != NOF_STATE_ACTIVE ||
+        start.activation != 0) {
+        return;
+    }
+    auto& state = ls->as<LS_ENTRY>().det.state;
+    if (state == NOF_STATE_INACTIVE || state == NOF_STATE_FAILED) {
+        state = NOF_STATE_START_PENDING;
+        indicate_ls(world, node, *ls, NOF_LS_STARTING, false);
     }
 }
 
@@ -200,6 +270,8 @@ void deactivate_node(Node& node) {
     }
     clear(node.of(Kind::partner));
     clear(node.of(Kind::mode));
+    clear(node.of(Kind::rtp));
+    clear(node.of(Kind::appcip_session));
     for (Record* entry : everything(node.of(Kind::directory))) { // what was learned is forgotten
         if (entry->as<DIRECTORY_ENTRY>().entry_type != NOF_DIRECTORY_DEFINED) {
             erase(node.of(Kind::directory), *entry);
@@ -256,6 +328,26 @@ Record& mode_of(Node& node, const Record& lu, const Record& partner, const NB_NA
 
 } // namespace
 
+namespace {
+
+// A dependent LU is in session while it has sessions.
+void follow_sessions(World& world, Node& node, const std::string& name) {
+    Record* lu = find(node.of(Kind::local_lu), name);
+    if (lu == nullptr || lu->as<LU62_ENTRY>().def.nau_address == 0) {
+        return;
+    }
+    const auto partners = children(node.of(Kind::partner), name);
+    const NB_BYTE status = std::any_of(partners.begin(), partners.end(), [](const Record* partner) {
+        return partner->as<PLU_ENTRY>().active_sessions != 0;
+    });
+    if (lu->as<LU62_ENTRY>().session_status != status) {
+        lu->as<LU62_ENTRY>().session_status = status;
+        indicate(world, node, Kind::local_lu, *lu, false);
+    }
+}
+
+} // namespace
+
 void set_sessions(World& world, Node& node, const Record& lu, const NB_FQNAME& partner_name,
                   const NB_NAME8E& mode_name, const NB_FQNAME& cp, NB_USHORT count) {
     Record& partner = partner_of(world, node, lu, partner_name, cp);
@@ -269,12 +361,14 @@ void set_sessions(World& world, Node& node, const Record& lu, const NB_FQNAME& p
     entry.act_conlosers = static_cast<NB_USHORT>(count / 2);
     indicate_mode(world, node, mode, false);
     if (count == 0) {
+        indicate_mode(world, node, mode, true);
         erase(node.of(Kind::mode), mode);
         if (sums.active_sessions == 0) {
             indicate_partner(world, node, partner, true);
             erase(node.of(Kind::partner), partner);
         }
     }
+    follow_sessions(world, node, lu.key);
 }
 
 void end_sessions_with(World& world, Node& node, const NB_FQNAME& cp) {

@@ -2,6 +2,7 @@
 // by the control commands and the lively mode.
 #pragma once
 
+#include "nof/rtp.h"
 #include "simnode/world.h"
 
 namespace simnode {
@@ -20,6 +21,8 @@ void deactivate_port(World& world, Node& node, Record& port);
 // activation.
 void activate_ls(World& world, Node& node, Record& ls);
 void deactivate_ls(World& world, Node& node, Record& ls, bool failed, bool disable);
+// The start of a link station that takes its time has begun: it is pending, if it can be started.
+void begin_start_of_ls(World& world, Node& node, std::span<const NB_BYTE> verb);
 void activate_pu(World& world, Node& node, Kind kind, Record& pu);
 void deactivate_pu(World& world, Node& node, Kind kind, Record& pu);
 
@@ -27,8 +30,14 @@ void deactivate_pu(World& world, Node& node, Kind kind, Record& pu);
 // records of partner and mode as needed. cp: the partner's control point, blank when unknown.
 void set_sessions(World& world, Node& node, const Record& lu, const NB_FQNAME& partner,
                   const NB_NAME8E& mode, const NB_FQNAME& cp, NB_USHORT count);
+// Ends all sessions of a local LU.
+void end_sessions_of(World& world, Node& node, const Record& lu);
 // Ends the sessions with every partner of a control point.
 void end_sessions_with(World& world, Node& node, const NB_FQNAME& cp);
+
+// An active link to the same control point as the first hop of an RTP connection, but another;
+// else any other active link to a network node. Null without one.
+const Record* other_link(const Node& node, const RTP_CONNECTION_ENTRY& connection);
 
 // An application takes a LU of type 0 to 3, or lets go of it.
 void release_lu(World& world, Node& node, Record& lu);

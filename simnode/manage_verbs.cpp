@@ -7,6 +7,7 @@
 #include "nof/connectivity.h"
 #include "nof/lu62.h"
 #include "nof/pu_lu.h"
+#include "nof/rtp.h"
 
 #include <cstring>
 
@@ -314,6 +315,23 @@ Rc deactivate_session(Request& request) {
         indicate_local_lu(request.world, node, *lu);
     }
     return {};
+}
+
+// The connection takes the next active link, if there is another one.
+Rc path_switch(Request& request) {
+    const auto& verb = request.as<PATH_SWITCH>();
+    Node& node = *request.target.node;
+    for (Record* connection : everything(node.of(Kind::rtp))) {
+        auto& entry = connection->as<RTP_CONNECTION_ENTRY>();
+        if (std::memcmp(entry.rtp_name, verb.rtp_name, sizeof entry.rtp_name) == 0) {
+            if (const Record* ls = other_link(node, entry)) {
+                std::memcpy(entry.first_hop_ls, ls->as<LS_ENTRY>().ls_name,
+                            sizeof entry.first_hop_ls);
+            }
+            return {};
+        }
+    }
+    return RC_NO_RTP_CONNECTION;
 }
 
 } // namespace simnode

@@ -1,8 +1,10 @@
 // The list queries, and the queries of the node and the domain that have a block of their own.
 #include "simnode/request.h"
 
+#include "nof/extra_data.h"
 #include "nof/lu62.h"
 #include "nof/trace.h"
+#include "simnode/definition_checks.h"
 
 #include <algorithm>
 #include <cstring>
@@ -63,6 +65,81 @@ bool nothing_to_list(const Node& node, Kind kind, const std::string* parent) {
 
 } // namespace
 
+namespace {
+
+// Only extra data of LUs 0 to 3 is kept.
+bool other_extra_data(const Request& request, Kind kind) {
+    return kind == Kind::extra_data &&
+           reinterpret_cast<const QUERY_EXTRA_DATA*>(request.block.data())->resource_kind !=
+               NOF_EXTRA_DATA_LU_0_TO_3;
+}
+
+// Entries with their nested ones: as many as fit. An entry that would not fit is cut between two
+// nested ones, where its kind allows it; the next page goes on behind the last one received.
+Rc query_with_nested(Request& request, const KindRow& row, Start start) {
+    auto& list = request.as<LIST_QUERY>();
+    const Nested& nested = row.nested;
+    Node& node = *request.target.node;
+    const Piece& last_piece = nested.query_key[0];
+    const NB_BYTE* last = request.block.data() + last_piece.offset;
+    const bool goes_on = start == Start::after && !is_blank(last, last_piece.length);
+    const std::string key = make_key(row.query_key, request.block.data());
+    Range owners = start_list(node.of(row.kind), nullptr, goes_on ? Start::at : start,
+                              start == Start::first ? std::string() : key);
+    if (start == Start::at && !owners.found) {
+        return RC_UNKNOWN_NAME;
+    }
+    const auto members_of = [&](const Record& owner, bool first) {
+        const bool behind = goes_on && first && owners.found;
+        return start_list(node.of(nested.kind), &owner.key, behind ? Start::after : Start::first,
+                          behind ? owner.key + make_key(nested.query_key, request.block.data())
+                                 : std::string());
+    };
+    bool first = true;
+    if (goes_on && owners.found && members_of(*owners.next->second, true).remaining == 0) {
+        ++owners.next;
+        --owners.remaining;
+        first = false;
+    }
+    const std::size_t asked = list.num_entries == 0 ? 0xFFFF : list.num_entries;
+    const std::size_t capacity =
+        std::min<std::size_t>({request.capacity, list.buffer_size, 0xFFFF});
+    std::size_t count = 0;
+    bool more = false;
+    for (; count < std::min(asked, owners.remaining) && !more; ++owners.next, first = false) {
+        const Record& owner = *owners.next->second;
+        Range members = members_of(owner, first);
+        const std::size_t fixed = owner.entry.size();
+        const std::size_t room = capacity - request.buffer.size();
+        const std::size_t fitting = room < fixed ? 0 : (room - fixed) / nested.element;
+        const std::size_t taken = std::min(members.remaining, fitting);
+        more = taken < members.remaining;
+        if (room < fixed || (more && (!nested.continued || taken == 0))) {
+            more = false;
+            break;
+        }
+        const std::size_t at = request.buffer.size();
+        request.buffer.insert(request.buffer.end(), owner.entry.begin(), owner.entry.end());
+        for (std::size_t i = 0; i < taken; ++i, ++members.next) {
+            const Bytes& element = members.next->second->entry;
+            request.buffer.insert(request.buffer.end(), element.begin(), element.end());
+        }
+        NB_BYTE* entry = request.buffer.data() + at;
+        write_count(entry, sizeof(NB_USHORT), request.buffer.size() - at);
+        write_count(entry + nested.entry_count, nested.count_width, taken);
+        ++count;
+    }
+    if (count == 0 && owners.remaining != 0) {
+        return RC_BUFFER_TOO_SMALL;
+    }
+    list.num_entries = static_cast<NB_USHORT>(count);
+    list.total_entries = static_cast<NB_USHORT>(std::min<std::size_t>(owners.remaining, 0xFFFF));
+    list.more = more;
+    return {};
+}
+
+} // namespace
+
 Rc query_list(Request& request) {
     const auto& list = request.as<LIST_QUERY>();
     const KindRow& row = *kind_of_query(list.header.opcode);
@@ -71,7 +148,18 @@ Rc query_list(Request& request) {
     if (!list_start(list, start)) {
         return RC_BAD_LIST_OPTION;
     }
-    const std::string parent = parent_name(row.query_parent, request.block.data());
+    if (row.nested.element != 0) {
+        return query_with_nested(request, row, start);
+    }
+    if (other_extra_data(request, row.kind)) {
+        return fill_page(request, 0, [] { return std::span<const NB_BYTE>(); });
+    }
+    // The passwords of the control point's LU are asked for without its name.
+    const Bytes block = row.kind == Kind::lu_lu_password
+                            ? with_lu_name(node, row.kind, request.block, sizeof(LIST_QUERY))
+                            : Bytes();
+    const NB_BYTE* keys = block.empty() ? request.block.data() : block.data();
+    const std::string parent = parent_name(row.query_parent, keys);
     const std::string* below = parent.empty() ? nullptr : &parent;
     if (row.owned && (below == nullptr || find(node.of(Kind::local_lu), parent) == nullptr)) {
         return RC_UNKNOWN_PARENT;
@@ -79,25 +167,13 @@ Rc query_list(Request& request) {
     if (nothing_to_list(node, row.kind, below)) {
         return RC_SESSION_NONE;
     }
-    const std::string key =
-        start == Start::first ? std::string() : make_key(row.query_key, request.block.data());
+    const std::string key = start == Start::first ? std::string() : make_key(row.query_key, keys);
     Range range = start_list(node.of(row.kind), below, start, key);
     if (start == Start::at && !range.found) {
         return RC_UNKNOWN_NAME;
     }
     return fill_page(request, range.remaining,
                      [&]() -> std::span<const NB_BYTE> { return (range.next++)->second->entry; });
-}
-
-Rc query_empty_list(Request& request) {
-    Start start = Start::first;
-    if (!list_start(request.as<LIST_QUERY>(), start)) {
-        return RC_BAD_LIST_OPTION;
-    }
-    if (start == Start::at) {
-        return RC_UNKNOWN_NAME;
-    }
-    return fill_page(request, 0, [] { return std::span<const NB_BYTE>(); });
 }
 
 namespace {

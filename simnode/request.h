@@ -45,9 +45,10 @@ struct Request {
 using Handler = Rc (*)(Request&);
 
 enum class Scope : NB_BYTE {
-    any,    // no particular target
-    node,   // a node's handle, or the configuration file for the local node
-    domain, // the configuration file
+    any,     // no particular target
+    node,    // a node's handle, or the configuration file for the node that the block concerns
+    domain,  // the configuration file
+    tp_load, // a node's TP load-information file
 };
 
 enum class Effect : NB_BYTE {
@@ -71,9 +72,12 @@ const VerbRow* find_verb(NB_USHORT opcode);
 // world.
 Rc run_verb(Request& request);
 
+// The node that a verb sent to the configuration file concerns: the one that has the resource, or
+// what the block names; else the local node.
+Node* concerned_node(Domain& domain, std::span<const NB_BYTE> block);
+
 // Handlers, by subject.
 Rc query_list(Request& request);
-Rc query_empty_list(Request& request);
 Rc query_node_list(Request& request);
 Rc query_server_list(Request& request);
 Rc query_node(Request& request);
@@ -86,6 +90,14 @@ Rc delete_appcip_defaults(Request& request);
 
 Rc define_record(Request& request);
 Rc delete_record(Request& request);
+Rc delete_holder(Request& request);
+Rc define_cn(Request& request);
+Rc define_pool(Request& request);
+Rc delete_pool(Request& request);
+Rc delete_userid(Request& request);
+Rc delete_extra_data(Request& request);
+Rc define_adjacent_node(Request& request);
+Rc delete_adjacent_node(Request& request);
 Rc define_lu_range(Request& request);
 Rc delete_lu_range(Request& request);
 Rc add_dlc_trace(Request& request);
@@ -107,6 +119,7 @@ Rc start_internal_pu(Request& request);
 Rc stop_internal_pu(Request& request);
 Rc activate_session(Request& request);
 Rc deactivate_session(Request& request);
+Rc path_switch(Request& request);
 
 Rc connect_node(Request& request);
 Rc disconnect(Request& request);

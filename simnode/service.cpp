@@ -4,6 +4,7 @@
 #include "simnode/control.h"
 #include "simnode/domain_file.h"
 #include "simnode/lively.h"
+#include "simnode/manage.h"
 
 #include <algorithm>
 #include <cerrno>
@@ -38,6 +39,7 @@ Service::~Service() {
 namespace {
 
 constexpr std::chrono::seconds SAVE_PERIOD{1};
+constexpr std::chrono::milliseconds FLOOD_PERIOD{1};
 
 void control_epoll(Service& service, int operation, int fd, unsigned events) {
     epoll_event event{};
@@ -157,11 +159,7 @@ template <typename Answer> Rc perform(Service& service, Request& request, Answer
     return rc;
 }
 
-void serve_request(Service& service, Connection& connection, const Frame& frame) {
-    if (frame.block.size() < sizeof(VCB_HEADER) || !frame.buffer.empty()) {
-        connection.broken = true;
-        return;
-    }
+void carry_out_request(Service& service, Connection& connection, const Frame& frame) {
     Bytes buffer;
     const NB_ULONG capacity = std::min(frame.header.buffer_capacity, WIRE_MAX_BUFFER);
     Request request{service.world,
@@ -186,6 +184,69 @@ void serve_request(Service& service, Connection& connection, const Frame& frame)
             queue_answer(service.faults, connection, header, block, buffer);
         }
     });
+}
+
+// How long a verb takes before anything comes of it.
+std::chrono::milliseconds duration_of(const Service& service, const Connection& connection,
+                                      const Frame& frame) {
+    const NB_USHORT opcode = vcb_header(frame.block.data())->opcode;
+    const Node* node = target_of(connection.op, frame.header.target).node;
+    if (node != nullptr && opcode == NAP_INIT_NODE && node->start_time.count() != 0) {
+        return node->start_time;
+    }
+    if (node != nullptr && opcode == NAP_STOP_NODE && node->stop_time.count() != 0) {
+        return node->stop_time;
+    }
+    const auto rule = service.faults.durations.find(opcode);
+    return rule == service.faults.durations.end() ? std::chrono::milliseconds{} : rule->second;
+}
+
+void serve_request(Service& service, Connection& connection, const Frame& frame) {
+    if (frame.block.size() < sizeof(VCB_HEADER) || !frame.buffer.empty()) {
+        connection.broken = true;
+        return;
+    }
+    const auto duration = duration_of(service, connection, frame);
+    if (duration.count() == 0) {
+        return carry_out_request(service, connection, frame);
+    }
+    ++connection.op.outstanding[frame.header.target];
+    service.faults.slow.push_back({connection.op.id, target_of(connection.op, frame.header.target),
+                                   frame.header, Bytes(frame.block.begin(), frame.block.end()),
+                                   Clock::now() + duration});
+    Node* node = target_of(connection.op, frame.header.target).node;
+    if (node != nullptr && vcb_header(frame.block.data())->opcode == NAP_START_LS &&
+        !connection.op.read_only) {
+        begin_start_of_ls(service.world, *node, frame.block);
+        send_events(service);
+    }
+}
+
+// Carries out the verbs whose time has come.
+void finish_slow_verbs(Service& service) {
+    const auto now = Clock::now();
+    std::vector<SlowVerb> due;
+    std::erase_if(service.faults.slow, [&](SlowVerb& verb) {
+        if (verb.due > now) {
+            return false;
+        }
+        due.push_back(std::move(verb));
+        return true;
+    });
+    for (SlowVerb& verb : due) {
+        if (Connection* connection = connection_of(service, verb.operator_id)) {
+            --connection->op.outstanding[verb.header.target];
+            Frame frame;
+            frame.header = verb.header;
+            frame.block = verb.block;
+            carry_out_request(service, *connection, frame);
+        } else {
+            Bytes buffer;
+            Request request{service.world, service.script, 0, 0,
+                            verb.target,   verb.block,     0, buffer};
+            perform(service, request, [] {});
+        }
+    }
 }
 
 void serve_control(Service& service, Connection& connection, const Frame& frame) {
@@ -242,7 +303,7 @@ void accept_operator(Service& service) {
 }
 
 bool settled(const Service& service) {
-    return service.faults.late.empty() &&
+    return service.faults.late.empty() && service.faults.slow.empty() &&
            std::none_of(service.connections.begin(), service.connections.end(),
                         [](const auto& item) { return has_output(*item.second); });
 }
@@ -261,8 +322,14 @@ int next_timeout(const Service& service, int timeout_ms) {
     for (const LateAnswer& late : service.faults.late) {
         next = std::min(next, late.due);
     }
+    for (const SlowVerb& slow : service.faults.slow) {
+        next = std::min(next, slow.due);
+    }
     if (service.lively_period != Clock::duration::zero()) {
         next = std::min(next, service.next_tick);
+    }
+    if (service.flood.running()) {
+        next = std::min(next, Clock::now() + FLOOD_PERIOD);
     }
     if (service.world.changed && !service.state_path.empty()) {
         next = std::min(next, service.next_save);
@@ -276,11 +343,16 @@ int next_timeout(const Service& service, int timeout_ms) {
 }
 
 void do_timed_work(Service& service) {
+    finish_slow_verbs(service);
     send_late_answers(service, false);
     const auto now = Clock::now();
     if (service.lively_period != Clock::duration::zero() && now >= service.next_tick) {
         service.next_tick = now + service.lively_period;
         live(service.world, service.lively_seed);
+        send_events(service);
+    }
+    if (service.flood.running()) {
+        flood(service.world, service.flood, now);
         send_events(service);
     }
     if (service.world.changed && !service.state_path.empty() && now >= service.next_save) {
@@ -423,7 +495,14 @@ void send_late_answers(Service& service, bool released) {
 
 Rc act(Service& service, Node* node, Bytes block) {
     Bytes buffer;
-    const Target target{node != nullptr ? TargetKind::node : TargetKind::configuration_file, node};
+    const VerbRow* row =
+        block.size() < sizeof(VCB_HEADER) ? nullptr : find_verb(vcb_header(block.data())->opcode);
+    Target target{node != nullptr ? TargetKind::node : TargetKind::configuration_file, node};
+    if (row != nullptr && row->scope == Scope::tp_load) {
+        target.kind = TargetKind::tp_load_file;
+    } else if (row != nullptr && row->scope == Scope::domain) {
+        target = {TargetKind::configuration_file, nullptr};
+    }
     Request request{service.world, service.script, 0, 0, target, block, 0, buffer};
     return perform(service, request, [] {});
 }

@@ -2,6 +2,7 @@
 #pragma once
 
 #include "simnode/faults.h"
+#include "simnode/flood.h"
 #include "simnode/journal.h"
 
 namespace simnode {
@@ -24,6 +25,7 @@ struct Service {
     Clock::time_point next_save{};
     Clock::duration lively_period{}; // 0: nothing happens by itself
     Clock::time_point next_tick{};
+    Flood flood;
     unsigned lively_seed = 1;
     bool ended = false;
 

@@ -1,6 +1,7 @@
 // tessaly-simnode: the service of a simulated node.
 #include "simnode/domain_file.h"
 #include "simnode/generate.h"
+#include "simnode/lively.h"
 #include "simnode/service.h"
 
 #include <cerrno>
@@ -163,6 +164,7 @@ int serve(const Options& options) {
     if (options.lively) {
         service.lively_period = std::chrono::seconds(2);
         service.next_tick = Clock::now() + service.lively_period;
+        service.faults.durations = lively_durations();
     }
     if (options.ready_fd >= 0) {
         static constexpr char ready[] = "ready\n";

@@ -78,7 +78,7 @@ void add_default_specific(const KindRow& row, Bytes& bytes) {
             def.link_data_length = link_data;
         }
         bytes.resize(row.entry_size + (def.port_data_length + def.link_data_length + 3u) / 4 * 4);
-    } else {
+    } else if (row.kind == Kind::ls) {
         auto& ls = *reinterpret_cast<LS_ENTRY*>(data);
         const std::size_t length = std::max(
             {given, std::size_t{ls.def.specific_length}, default_ls_specific(ls.det.dlc_type)});

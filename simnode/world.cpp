@@ -1,12 +1,25 @@
 #include "simnode/world.h"
 
+#include "nof/cn.h"
 #include "nof/connectivity.h"
 #include "nof/lu62.h"
 #include "nof/pu_lu.h"
+#include "simnode/member_kinds.h"
 
 #include <cstring>
 
 namespace simnode {
+
+std::vector<Node*> places_of(Domain& domain, const KindRow& row) {
+    if (row.of_domain) {
+        return {&domain.file};
+    }
+    std::vector<Node*> places;
+    for (const auto& node : domain.nodes) {
+        places.push_back(node.get());
+    }
+    return places;
+}
 
 Node* node_named(Domain& domain, std::string_view name) {
     for (const auto& node : domain.nodes) {
@@ -75,7 +88,7 @@ Record& put_in_order(Node& node, Kind kind, Record record) {
     const bool end_node = record.as<DIRECTORY_ENTRY>().resource_type == NAP_END_NODE_CP_RESOURCE;
     Record& stored = put(node.of(kind), std::move(record));
     if (end_node) { // the LUs below it move with it
-        for (const Record* lu : children(node.of(kind), name_for_children(stored))) {
+        for (const Record* lu : children(node.of(kind), name_for_children(kind, stored))) {
             Record moved = *lu;
             if (moved.key != stored.key) {
                 moved.order = directory_order(node, moved);
@@ -88,7 +101,21 @@ Record& put_in_order(Node& node, Kind kind, Record record) {
 
 } // namespace
 
+namespace {
+
+std::string pool_of(const Record* lu) {
+    return lu == nullptr
+               ? std::string()
+               : parent_name({offsetof(LU03_ENTRY, def_data.pool_name), 8}, lu->entry.data());
+}
+
+} // namespace
+
 Record& store(Node& node, const KindRow& row, Bytes entry, const std::string& owner) {
+    std::string old_pool;
+    if (row.kind == Kind::lu_0_to_3) {
+        old_pool = pool_of(find(node.of(row.kind), make_key(row.key, entry.data())));
+    }
     Record& record = put_in_order(node, row.kind, make_record(row, std::move(entry), owner));
     if (row.kind == Kind::cos_node_row || row.kind == Kind::cos_tg_row) {
         if (Record* cos = find(node.of(Kind::cos), record.parent)) {
@@ -98,13 +125,26 @@ Record& store(Node& node, const KindRow& row, Bytes entry, const std::string& ow
             (row.kind == Kind::cos_node_row ? entry_of_cos.num_node_rows
                                             : entry_of_cos.num_tg_rows) = count;
         }
+    } else if (row.kind == Kind::cn || row.kind == Kind::cn_port) {
+        count_cn_ports(node, record.key.substr(0, sizeof(NB_FQNAME)));
+    } else if (row.kind == Kind::lu_0_to_3) {
+        move_lu_to_pool(node, record.key, old_pool, pool_of(&record));
     }
     return record;
 }
 
 void remove_record(Node& node, Kind kind, Record& record) {
-    const std::string name = name_for_children(record);
+    const std::string name = name_for_children(kind, record);
+    const std::string parent = record.parent;
+    if (kind == Kind::lu_0_to_3) {
+        move_lu_to_pool(node, record.key, pool_of(&record), {});
+    } else if (kind == Kind::port) {
+        forget_cn_of_port(node, record);
+    }
     erase(node.of(kind), record);
+    if (kind == Kind::cn_port) {
+        count_cn_ports(node, parent);
+    }
     for (const KindRow& row : kind_rows()) {
         if ((row.parents & kind_bit(kind)) == 0) {
             continue;

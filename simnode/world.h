@@ -6,6 +6,7 @@
 #include "simnode/kinds.h"
 #include "simnode/return_codes.h"
 
+#include <chrono>
 #include <set>
 
 namespace simnode {
@@ -34,8 +35,10 @@ struct Node {
     std::string name;
     bool configured = true;
     bool active = false;
-    bool back_level = false; // refuses connections
-    bool gone = false;       // the node software on it has died
+    bool back_level = false;                // refuses connections
+    bool gone = false;                      // the node software on it has died
+    std::chrono::milliseconds start_time{}; // that it takes
+    std::chrono::milliseconds stop_time{};
     NODE_PARAMETERS parameters{};
     NODE_CAPABILITIES capabilities{};
     NODE_LIMITS limits{};
@@ -56,6 +59,7 @@ struct Domain {
     std::string central_logger;
     std::set<NB_ULONG> read_only_uids;
     Settings settings;
+    Node file; // what the configuration file holds: the records of the domain's kinds
 };
 
 // An indication that waits to be sent to the operators that registered for it.
@@ -72,6 +76,10 @@ struct World {
     bool stopping = false;      // the node software is shutting down
     bool changed = false;       // since the state file was written
 };
+
+// Where the records of a kind are kept, for each place that has some: the nodes, or the
+// configuration file.
+std::vector<Node*> places_of(Domain& domain, const KindRow& row);
 
 Node* node_named(Domain& domain, std::string_view name);
 Node* local_node(Domain& domain);

@@ -303,3 +303,13 @@ std::size_t nba_block_length(const void* block) {
     }
     return verb->block_size + units * verb->element_size;
 }
+
+bool nba_block_fits(const void* block, std::size_t length) {
+    const VCB_HEADER* header = vcb_header(block);
+    const NBA_VERB_ROW* verb = vnv_verb_search(header->opcode, header->format, 0);
+    if (verb == nullptr) { // receivers go by the opcode alone
+        return vnv_verb_search(header->opcode, 0, 0) == nullptr;
+    }
+    // The counts lie in the fixed part.
+    return length >= verb->block_size && length >= nba_block_length(block);
+}

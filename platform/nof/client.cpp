@@ -148,7 +148,7 @@ void check_frames() {
         } else if ((kind != WIRE_ANSWER && kind != WIRE_INDICATION) ||
                    frame.header.block_length < sizeof(VCB_HEADER) ||
                    (kind == WIRE_INDICATION &&
-                    frame.header.block_length < nba_block_length(frame.block))) {
+                    !nba_block_fits(frame.block, frame.header.block_length))) {
             state = FrameState::BAD;
             break;
         }
@@ -213,13 +213,14 @@ void forget(Request* request) {
     delete request;
 }
 
-// Copies an answer into the issuer's block and buffer. False, and nothing is changed, when it does
-// not fit them or is not that of the verb.
+// Copies an answer into the issuer's block and buffer. False when it does not fit them, announces
+// more than they hold, or is not that of the verb (an indication, perhaps); its codes then mean
+// nothing.
 bool copy_answer(const Request& request, const Frame& frame) {
     const VCB_HEADER* answer = vcb_header(frame.block);
     const VCB_HEADER* asked = vcb_header(request.vcb);
     if (answer->opcode != asked->opcode || answer->format != asked->format ||
-        frame.header.block_length > request.block_length ||
+        answer->primary_rc == NAP_INDICATION || frame.header.block_length > request.block_length ||
         frame.header.buffer_length > request.capacity) {
         return false;
     }
@@ -230,7 +231,7 @@ bool copy_answer(const Request& request, const Frame& frame) {
         query->buffer_size = request.capacity;
         std::memcpy(request.buffer, frame.buffer, frame.header.buffer_length);
     }
-    return true;
+    return nba_block_fits(request.vcb, request.block_length);
 }
 
 void take_frame(const Frame& frame) {

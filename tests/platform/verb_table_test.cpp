@@ -6,6 +6,7 @@
 #include "nof/user.h"
 
 #include <algorithm>
+#include <array>
 #include <gtest/gtest.h>
 #include <string_view>
 
@@ -95,6 +96,20 @@ TEST(VerbTable, BlocksAreAsLongAsTheirCountsSay) {
     EXPECT_EQ(length_of<VCB_HEADER>(0x1234, [](VCB_HEADER*) {}), 0u);
     EXPECT_EQ(length_of<STOP_LS>(NAP_STOP_LS, [](STOP_LS* block) { block->header.format = 9; }),
               0u);
+}
+
+TEST(VerbTable, BlocksFitWhatTheirCountsAnnounce) {
+    std::array<NB_BYTE, 600> bytes{};
+    auto& block = *reinterpret_cast<DEFINE_EMULATOR_USER*>(bytes.data());
+    block.header.opcode = NAP_DEFINE_EMULATOR_USER;
+    block.def.num_sessions = 2;
+    EXPECT_TRUE(nba_block_fits(&block, 132 + 2 * 112));
+    EXPECT_FALSE(nba_block_fits(&block, 132 + 2 * 112 - 1));
+    EXPECT_FALSE(nba_block_fits(&block, sizeof(VCB_HEADER))); // its count is not even there
+    block.header.format = 3;
+    EXPECT_FALSE(nba_block_fits(&block, bytes.size()));
+    block.header.opcode = 0x1234;
+    EXPECT_TRUE(nba_block_fits(&block, sizeof(VCB_HEADER)));
 }
 
 } // namespace

@@ -140,3 +140,6 @@ enum : NB_BYTE {
 const NBA_VERB_ROW* vnv_verb_search(NB_USHORT opcode, NB_BYTE form, int reserved);
 // The length of a whole block, variable part included; 0 for an unknown verb.
 std::size_t nba_block_length(const void* block);
+// Whether a block that came in that many bytes (at least a header) holds all that its counts
+// announce. True for an unknown verb, false for an unknown form of a known one.
+bool nba_block_fits(const void* block, std::size_t length);

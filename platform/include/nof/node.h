@@ -102,10 +102,26 @@ struct NODE_PARAMETERS { // 312 bytes: the body of NAP_DEFINE_NODE and the start
     NB_BYTE parameter76;
     NB_BYTE parameter77;
     NB_BE32 node_id; // 78
-    NB_BYTE reserved82[41];
+    NB_USHORT parameter82;
+    NB_USHORT parameter84;
+    NB_USHORT parameter86;
+    NB_USHORT parameter88;
+    NB_BYTE parameter90;
+    NB_BYTE parameter91;
+    NB_USHORT parameter92;
+    NB_USHORT parameter94;
+    NB_USHORT parameter96;
+    NB_USHORT parameter98;
+    NB_BYTE reserved100[4];
+    NB_ULONG parameter104;
+    NB_ULONG parameter108;
+    NB_ULONG parameter112;
+    NB_USHORT parameter116;
+    NB_USHORT parameter118;
+    NB_BYTE reserved120[3];
     NB_BYTE dlur_support;    // 123
     NB_BYTE pu_conc_support; // 124
-    NB_BYTE reserved125;
+    NB_BYTE parameter125;
     NB_BYTE hpr_support; // 126
     NB_BYTE reserved127[16];
     NB_BYTE parameter143;
@@ -119,8 +135,13 @@ NOF_AT(NODE_PARAMETERS, node_type, 50);
 NOF_AT(NODE_PARAMETERS, cp_name, 51);
 NOF_AT(NODE_PARAMETERS, cp_alias, 68);
 NOF_AT(NODE_PARAMETERS, node_id, 78);
+NOF_AT(NODE_PARAMETERS, parameter82, 82);
+NOF_AT(NODE_PARAMETERS, parameter92, 92);
+NOF_AT(NODE_PARAMETERS, parameter104, 104);
+NOF_AT(NODE_PARAMETERS, parameter118, 118);
 NOF_AT(NODE_PARAMETERS, dlur_support, 123);
 NOF_AT(NODE_PARAMETERS, pu_conc_support, 124);
+NOF_AT(NODE_PARAMETERS, parameter125, 125);
 NOF_AT(NODE_PARAMETERS, hpr_support, 126);
 NOF_AT(NODE_PARAMETERS, parameter143, 143);
 NOF_AT(NODE_PARAMETERS, cp_lu_sync_point, 212);
