@@ -1,4 +1,4 @@
-// The checks of the directory and of the sessions of APPC over IP.
+// The check of the directory.
 #include "shell/globals.h"
 #include "store/checks.h"
 #include "store/record_util.h"

@@ -1,8 +1,8 @@
 // Checks that go PU by PU: LUs of types 0 to 3 and downstream LUs.
-#include "shell/globals.h"
 #include "store/checks.h"
 #include "store/record_util.h"
 #include "store/store.h"
+#include "store/tracking.h"
 
 namespace {
 
@@ -37,11 +37,7 @@ vga_lu03* find_lu03(const vga_pu* pu, const LU03_ENTRY* entry) {
 
 void take_detail(vga_lu03* lu, const LU03_ENTRY* entry) {
     lu->user_query = 0; // the list tells what an outstanding query was to find out
-    if (std::memcmp(&lu->vcb.det_data, &entry->det_data, sizeof lu->vcb.det_data) != 0) {
-        lu->vcb.det_data = entry->det_data;
-        vga_update_row(&lu->parent->parent->links_root, &lu->viewer);
-        vga_update_row(&gvga_system->pool_viewer_root, &lu->pool_viewer);
-    }
+    vga_take_lu03_detail(lu, entry->det_data);
 }
 
 // ---- downstream LUs ----

@@ -102,14 +102,14 @@ void sweep_sessions(vga_lu62* lu) {
 }
 
 void end(vga_lu62* lu) {
-    lu->checking = 0;
+    lu->checking = VGA_LU62_UNCHECKED;
     vga_check_ends(lu->parent, VGA_CHECK_LU62);
 }
 
 void send(vga_lu62* lu, VGA_QUERY query, const void* last) {
     const bool sent = vga_issue_query(query, lu, last, 0, 0, vga_check_lu62);
     if (!sent) {
-        lu->checking = 0;
+        lu->checking = VGA_LU62_UNCHECKED;
     }
     vga_check_sent(sent, lu->parent, VGA_CHECK_LU62);
 }
@@ -117,12 +117,12 @@ void send(vga_lu62* lu, VGA_QUERY query, const void* last) {
 } // namespace
 
 void vga_start_check_lu62(vga_lu62* lu) {
-    if (lu->checking != 0) { // the end of the older check would remove what only this one marks
+    if (lu->checking != VGA_LU62_UNCHECKED) { // the end of the older check would remove what only this one marks
         vga_check_drop(lu->parent, 0, lu->handle, vga_check_lu62);
     } else {
-        lu->checking = 1;
         ++lu->parent->checks_running[VGA_CHECK_LU62];
     }
+    lu->checking = VGA_LU62_ASKED;
     if (lu->vcb.def.nau_address == 0) {
         mark(lu);
         return send(lu, VGA_QUERY_PLU, nullptr);
@@ -137,6 +137,9 @@ void vga_start_check_lu62(vga_lu62* lu) {
 void vga_check_lu62(VGA_COMPLETION* completion) {
     auto* lu = static_cast<vga_lu62*>(vga_check_record(completion, VGA_CHECK_LU62));
     if (lu == nullptr) {
+        if (auto* left = static_cast<vga_lu62*>(nba_validate_handle(completion->corr))) {
+            left->checking = VGA_LU62_UNCHECKED; // it is the node that has gone
+        }
         return;
     }
     const VGA_QUERY query = vga_query_of(vcb_header(completion->vcb)->opcode);
@@ -144,6 +147,9 @@ void vga_check_lu62(VGA_COMPLETION* completion) {
         const vga_page page = vga_process_query(query, lu, completion->vcb);
         if (page.failed) {
             return end(lu);
+        }
+        if (lu->checking != VGA_LU62_AGAIN) {
+            lu->checking = query == VGA_QUERY_PLU ? VGA_LU62_PARTNERS : VGA_LU62_MODES;
         }
         if (page.more) {
             return send(lu, query, page.last);
@@ -154,5 +160,8 @@ void vga_check_lu62(VGA_COMPLETION* completion) {
     }
     sweep_partners(lu);
     sweep_sessions(lu);
+    if (lu->checking == VGA_LU62_AGAIN) {
+        return vga_start_check_lu62(lu);
+    }
     end(lu);
 }

@@ -48,6 +48,11 @@ void vga_check_lu62(VGA_COMPLETION* completion);
 void vga_start_check_dir(vga_node* node);
 void vga_check_dir(VGA_COMPLETION* completion);
 
+// Lists the sessions of APPC over IP again and removes those that are not listed; all of them when
+// the node has no defaults for APPC over IP.
+void vga_start_check_ipbridge_sess(vga_node* node);
+void vga_check_ipbridge_sess(VGA_COMPLETION* completion);
+
 // ---- for this folder only ----
 
 enum : NB_BYTE { VGA_FROM_TEMPLATE = 2 }; // attachment of such a downstream PU

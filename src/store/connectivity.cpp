@@ -6,6 +6,7 @@
 #include "store/store.h"
 
 #include <iterator>
+#include <utility>
 
 namespace {
 
@@ -115,6 +116,29 @@ void drop_replaced_pu(vga_ls* ls, const LS_ENTRY* old_entry, const LS_ENTRY* new
     }
 }
 
+// Gives a link station another port, with its row and those of its LUs.
+void move_to_port(vga_ls* ls, vga_port* port) {
+    vga_viewer_root* root = &port->parent->parent->links_root;
+    const bool selected = ls->viewer.selected != 0;
+    const bool expanded = ls->viewer.expanded != 0;
+    vga_delete_viewer(root, &ls->viewer, true);
+    ntl_avl_delete(&ls->parent->ls_tree, &ls->port_node);
+    ntl_avl_insert(&port->ls_tree, &ls->port_node);
+    ls->parent = port;
+    auto* previous = vga_prev<vga_ls>(ls->port_node);
+    vga_create_viewer(root, &ls->viewer, ls_type(ls), ls, &port->viewer,
+                      previous != nullptr ? &previous->viewer : nullptr);
+    if (ls->pu_entry != nullptr) {
+        vga_show_dependent_lus(ls->pu_entry);
+    }
+    if (expanded) {
+        vga_expand_viewer(root, &ls->viewer);
+    }
+    if (selected) {
+        vga_viewer_set_select(root, &ls->viewer, true);
+    }
+}
+
 } // namespace
 
 // ---- DLC ----
@@ -187,6 +211,12 @@ vga_port* vga_insert_vga_port(vga_port* port, vga_dlc* dlc) {
     std::swap(old->vcb, port->vcb);
     old->node.key = old->dlc_node.key = old->vcb->port_name;
     old->dspu_template = port->dspu_template;
+    if (old->parent != dlc) {
+        ntl_avl_delete(&old->parent->port_tree, &old->dlc_node);
+        ntl_avl_insert(&dlc->port_tree, &old->dlc_node);
+        old->parent = dlc;
+    }
+    old->vcb->dlc_type = dlc->vcb->def.dlc_type;
     free_port(port);
     vga_update_row(&node->links_root, &old->viewer);
     return old;
@@ -265,10 +295,16 @@ vga_ls* vga_insert_vga_ls(vga_ls* ls, vga_port* port) {
     drop_replaced_pu(old, old->vcb, ls->vcb);
     std::swap(old->vcb, ls->vcb);
     old->node.key = old->port_node.key = old->vcb->ls_name;
+    old->vcb->det.dlc_type = port->vcb->dlc_type;
+    std::memcpy(old->vcb->det.port_address, port->vcb->def.local_address,
+                sizeof port->vcb->def.local_address);
     old->restart_check = 0;
     old->viewer.type = ls_type(old);
     vga_free(ls->vcb);
     vga_free_record(ls);
+    if (old->parent != port) {
+        move_to_port(old, port);
+    }
     vga_update_row(&node->links_root, &old->viewer);
     return old;
 }
@@ -310,7 +346,11 @@ vga_cn_port* vga_init_vga_cn_port(vga_cn* cn, vga_port* port, const CN_PORT_ENTR
 
 vga_cn_port* vga_insert_vga_cn_port(vga_cn_port* cn_port, vga_cn* cn) {
     if (ntl_avl_insert(&cn->port_tree, &cn_port->node)) {
-        cn_port->port->cn = cn;
+        vga_cn* before = std::exchange(cn_port->port->cn, cn); // a port serves one network
+        if (before != nullptr && before != cn) {
+            vga_delete_vga_cn_port(
+                vga_find<vga_cn_port>(before->port_tree, cn_port->vcb.port_name));
+        }
         return cn_port;
     }
     auto* old = vga_older<vga_cn_port>(cn->port_tree, cn_port->vcb.port_name);

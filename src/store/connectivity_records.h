@@ -54,7 +54,8 @@ struct vga_ls {
     vga_pu* pu_entry;  // the local or downstream PU that uses it
     NB_USHORT restart_check;
     NB_USHORT start_pending; // a start for it is outstanding
-    NB_BYTE start_enable;    // its activation byte
+    NB_BYTE start_enable;      // the outstanding start is to enable it only
+    NB_BYTE state_before_stop; // while a stop for it is outstanding
 };
 
 enum VGA_PU_KIND : NB_USHORT { VGA_PU_LOCAL = 0, VGA_PU_DOWNSTREAM = 1 };
@@ -73,6 +74,7 @@ struct vga_pu { // local and downstream
     NB_USHORT start_pending; // a start for it or its link station is outstanding
     NB_BYTE pending : 1;     // its LUs are still to be listed
     NB_BYTE listing : 1;     // the build is listing them now
+    NB_ULONG marked;         // downstream: its LUs that are marked for an update
 };
 
 struct vga_cn {        // connection network
@@ -83,6 +85,7 @@ struct vga_cn {        // connection network
     NTL_AVL_TREE port_tree; // vga_cn_port
     NB_BYTE pending : 1;    // its ports are still to be listed
     NB_BYTE listing : 1;    // the build is listing them now
+    NB_BYTE orphan : 1;     // its only port is being deleted, and it is to go too
 };
 
 struct vga_cn_port {   // a port that serves a connection network

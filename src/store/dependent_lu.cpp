@@ -1,7 +1,9 @@
 // LUs of types 0 to 3 with their extra data, and downstream LUs.
 #include "shell/globals.h"
 #include "store/record_util.h"
+#include "store/remove.h"
 #include "store/store.h"
+#include "store/tracking.h"
 
 namespace {
 
@@ -12,6 +14,15 @@ vga_viewer* row_of(void* record, VGA_PU_KIND kind) {
     return static_cast<vga_deplu*>(record)->lu_type == VGA_DEPLU_TYPE_LU03
                ? &static_cast<vga_lu03*>(record)->viewer
                : &static_cast<vga_lu62*>(record)->viewer;
+}
+
+const NTL_AVL_NODE& nau_node_of(void* record, VGA_PU_KIND kind) {
+    if (kind == VGA_PU_DOWNSTREAM) {
+        return static_cast<vga_down_lu*>(record)->nau_node;
+    }
+    return static_cast<vga_deplu*>(record)->lu_type == VGA_DEPLU_TYPE_LU03
+               ? static_cast<vga_lu03*>(record)->nau_node
+               : static_cast<vga_lu62*>(record)->nau_node;
 }
 
 } // namespace
@@ -25,6 +36,16 @@ void vga_show_dependent_lu(vga_pu* pu, const NTL_AVL_NODE& nau_node, vga_viewer*
     void* previous = ntl_avl_prev(&nau_node);
     vga_create_viewer(&pu->parent->links_root, viewer, type, lu, parent,
                       previous != nullptr ? row_of(previous, VGA_PU_KIND{pu->kind}) : nullptr);
+}
+
+void vga_show_dependent_lus(vga_pu* pu) {
+    const auto kind = VGA_PU_KIND{pu->kind};
+    const NB_BYTE type = kind == VGA_PU_LOCAL ? VGA_VIEWER_DEPLU : VGA_VIEWER_DOWN_LU;
+    for (void* lu = ntl_avl_first<void>(pu->nau_tree); lu != nullptr;) {
+        const NTL_AVL_NODE& node = nau_node_of(lu, kind);
+        vga_show_dependent_lu(pu, node, row_of(lu, kind), type, lu);
+        lu = ntl_avl_next(&node);
+    }
 }
 
 bool vga_move_nau_address(vga_pu* pu, NTL_AVL_NODE* nau_node, NB_BYTE* address, NB_BYTE wanted,
@@ -46,6 +67,28 @@ bool vga_move_nau_address(vga_pu* pu, NTL_AVL_NODE* nau_node, NB_BYTE* address, 
 }
 
 // ---- LU 0 to 3 ----
+
+namespace {
+
+// The definition may name another pool.
+void take_definition(vga_lu03* lu, const LU03_DEF& definition) {
+    NB_NAME8E pool_name;
+    std::memcpy(pool_name, lu->vcb.def_data.pool_name, sizeof pool_name);
+    const bool none = vga_blank_name(pool_name, sizeof pool_name);
+    const bool stays = none ? vga_blank_name(definition.pool_name, sizeof pool_name)
+                            : std::memcmp(pool_name, definition.pool_name, sizeof pool_name) == 0;
+    if (!stays) {
+        vga_remove_pool_lu(lu, lu->parent->parent, false);
+    }
+    lu->vcb.def_data = definition;
+    if (stays) {
+        std::memcpy(lu->vcb.def_data.pool_name, pool_name, sizeof pool_name);
+    } else {
+        vga_build_pool_ds(lu);
+    }
+}
+
+} // namespace
 
 vga_lu03* vga_init_vga_lu03(vga_pu* pu, const LU03_ENTRY* entry) {
     auto* lu = vga_new_record<vga_lu03>();
@@ -81,6 +124,10 @@ vga_lu03* vga_insert_vga_lu03(vga_lu03* lu, vga_pu* pu) {
             return nullptr;
         }
         vga_show_dependent_lu(pu, lu->nau_node, &lu->viewer, VGA_VIEWER_DEPLU, lu);
+        if (lu->vcb.det_data.appl_conn_active == NAP_YES) {
+            vga_update_user_sessions(lu, true);
+        }
+        vga_build_pool_ds(lu);
         return lu;
     }
     auto* older = vga_older<vga_deplu>(pu->lu_tree, lu->vcb.lu_name);
@@ -92,7 +139,7 @@ vga_lu03* vga_insert_vga_lu03(vga_lu03* lu, vga_pu* pu) {
     auto* old = reinterpret_cast<vga_lu03*>(older);
     if (vga_move_nau_address(pu, &old->nau_node, &old->vcb.def_data.nau_address,
                              lu->vcb.def_data.nau_address, &old->viewer, VGA_VIEWER_DEPLU)) {
-        old->vcb.def_data = lu->vcb.def_data;
+        take_definition(old, lu->vcb.def_data);
     } else {
         vga_log_clash(3, NAP_DEFINE_LU_0_TO_3, lu->vcb.lu_name);
     }
@@ -159,4 +206,15 @@ vga_down_lu* vga_insert_vga_down_lu(vga_down_lu* lu, vga_pu* pu) {
     vga_free_record(lu);
     vga_update_row(&pu->parent->links_root, &old->viewer);
     return old;
+}
+
+void vga_redefine_down_lu(vga_down_lu* lu, const DOWN_LU_DEF* definition) {
+    vga_pu* pu = lu->parent;
+    if (!vga_move_nau_address(pu, &lu->nau_node, &lu->vcb.def.nau_address, definition->nau_address,
+                              &lu->viewer, VGA_VIEWER_DOWN_LU)) {
+        vga_log_clash(5, NAP_DEFINE_DOWNSTREAM_LU, lu->vcb.dslu_name);
+        return;
+    }
+    lu->vcb.def = *definition;
+    vga_update_row(&pu->parent->links_root, &lu->viewer);
 }

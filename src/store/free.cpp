@@ -5,18 +5,16 @@
 #include "store/record_util.h"
 #include "store/remove.h"
 #include "store/store.h"
+#include "store/tracking_util.h"
 
 namespace {
 
-void ignore_completion(VGA_COMPLETION*) {}
-
-// Sends a verb of the header alone that releases a target, after forgetting what else was on its
-// way there. A failure sets exit code 1.
-void release_target(NB_HANDLE target, NB_USHORT opcode, VGA_CALLBACK callback) {
+// Releases a target after forgetting what else was on its way there. A failure sets exit code 1.
+void release_target(NB_HANDLE target,
+                    bool (*issue)(NB_HANDLE handle, NB_ULONG corr, VGA_CALLBACK callback),
+                    VGA_CALLBACK callback) {
     vga_purge_verb_queue(target, 0, nullptr, 0, nullptr);
-    auto* vcb = vga_new_vcb<HEADER_ONLY>(opcode);
-    if (vcb == nullptr || !vga_queue_verb(target, vcb, gvga_system->handle, callback)) {
-        vga_free(vcb);
+    if (!issue(target, gvga_system->handle, callback)) {
         VGA_FATAL(VGA_EXIT_INTERNAL, 0);
     }
 }
@@ -25,11 +23,19 @@ bool exit_pending() {
     return gvga_exit_code != 0;
 }
 
-void close_windows(std::initializer_list<vga_dialog*> windows) {
+// Closes what belongs to the windows and, unless they stay, the windows themselves.
+enum class WINDOWS { STAY, GO };
+void close_windows(std::initializer_list<vga_dialog*> windows, WINDOWS fate) {
     for (vga_dialog* window : windows) {
         if (window != nullptr) {
-            vga_close_children(window, false, true);
+            vga_close_children(window, fate == WINDOWS::GO, true);
         }
+    }
+}
+
+void tell_roles_changed() {
+    if (gvga_store_hooks.roles_changed != nullptr) {
+        gvga_store_hooks.roles_changed();
     }
 }
 
@@ -38,8 +44,6 @@ void release_sna_net_node(vga_sna_net_node* node) {
 }
 
 } // namespace
-
-void vga_process_disconnect_node(VGA_COMPLETION*) {} // the node's records went when it was issued
 
 void vga_free_node_resources(vga_node* node, bool gone, VGA_CALLBACK callback) {
     if (vsm_is_client_server()) {
@@ -51,18 +55,19 @@ void vga_free_node_resources(vga_node* node, bool gone, VGA_CALLBACK callback) {
 
 void vga_do_free_node_res(vga_node* node, bool gone, VGA_CALLBACK callback) {
     const bool send = !gone && !exit_pending();
-    close_windows({node->gui_data.node_window});
+    close_windows({node->gui_data.dialog, node->gui_data.node_window, node->gui_data.tracing_dialog},
+                  WINDOWS::GO);
     vga_leave_tree(&gvga_system->node_tree, &node->node);
     if (node->tp_load_handle != 0) {
         if (send) {
-            release_target(node->tp_load_handle, NAP_CLOSE_FILE, ignore_completion);
+            release_target(node->tp_load_handle, vga_issue_close_file, vga_process_close_file);
         } else {
             vga_purge_verb_queue(node->tp_load_handle, 0, nullptr, 0, nullptr);
         }
     }
     if (node->node_handle != 0) {
         if (send) {
-            release_target(node->node_handle, NAP_DISCONNECT_NODE,
+            release_target(node->node_handle, vga_issue_disconnect_node,
                            callback != nullptr ? callback : vga_process_disconnect_node);
         } else {
             vga_purge_verb_queue(node->node_handle, 0, nullptr, 0, nullptr);
@@ -78,37 +83,48 @@ void vga_do_free_node_res(vga_node* node, bool gone, VGA_CALLBACK callback) {
     for (vga_viewer_root* root : vga_node_roots(node)) {
         vga_viewer_destroy_root(root);
     }
-    vga_release_connectivity(node);
-    vga_release_lu62s(node);
-    vga_release_remote(node);
-    vga_free(node->appcip_defaults);
+    vga_release_node_pools(node);
+    for (const auto release :
+         {vga_release_connectivity, vga_release_lu62s, vga_release_remote,
+          vga_release_lu62_timeouts, vga_release_primary_lines, vga_release_tps,
+          vga_release_templates, vga_release_security, vga_release_tn3270, vga_release_sessions}) {
+        release(node);
+    }
     vga_free_record(node);
 }
 
-void vga_free_system_resources(bool, VGA_CALLBACK callback) {
+void vga_free_system_resources(bool report, VGA_CALLBACK callback) {
     vga_system& system = *gvga_system;
     if (system.config_file_handle != 0 && !exit_pending()) {
-        release_target(system.config_file_handle, NAP_CLOSE_FILE,
-                       callback != nullptr ? callback : ignore_completion);
+        release_target(system.config_file_handle, vga_issue_close_file,
+                       callback != nullptr ? callback : vga_process_close_file);
     }
     system.config_file_handle = 0;
     close_windows({system.gui_data.users_window, system.gui_data.cpic_window,
-                   system.gui_data.rje_window, system.gui_data.pool_window});
+                   system.gui_data.rje_window, system.gui_data.pool_window},
+                  WINDOWS::STAY);
+    const bool lost = report && vga_report_lost_updates();
+    vga_delete_domain_records(&system);
     if (vga_node* server = vga_find_node(system.local_server);
         server != nullptr && system.local_server[0] != '\0') {
         server->server_role = VGA_ROLE_SERVER;
-        vga_redraw_node(server);
         std::memset(system.local_server, 0, sizeof system.local_server);
+        vga_redraw_node(server);
+        tell_roles_changed();
+    }
+    if (lost) {
+        vga_display_info_dialog(gvga_main_dialog, 280, "masterupdatelost", nullptr, 0, "");
     }
 }
 
 void vga_free_sna_net_resources(VGA_CALLBACK callback) {
     if (gvga_system->sna_net_handle != 0) {
-        release_target(gvga_system->sna_net_handle, NAP_CLOSE_FILE,
-                       callback != nullptr ? callback : ignore_completion);
+        release_target(gvga_system->sna_net_handle, vga_issue_close_file,
+                       callback != nullptr ? callback : vga_process_close_file);
     }
     gvga_system->sna_net_handle = 0;
     vga_drain<vga_sna_net_node>(&gvga_system->sna_net_tree, release_sna_net_node);
+    tell_roles_changed();
 }
 
 void vga_destroy_data_structures() {
@@ -119,6 +135,8 @@ void vga_destroy_data_structures() {
     for (vga_viewer_root* root : vga_system_roots(gvga_system)) {
         vga_viewer_destroy_root(root);
     }
+    vga_release_domain_records(gvga_system);
+    vga_release_pools(gvga_system);
     vga_free_record(gvga_system);
     gvga_system = nullptr;
 }

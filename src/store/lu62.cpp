@@ -78,6 +78,43 @@ void settle(vga_lu62* lu) {
     }
 }
 
+// The row a partner's mode stands behind when it is the partner's first.
+vga_mode* last_mode_before(const vga_plu* plu) {
+    for (auto* previous = vga_prev<vga_plu>(plu->node); previous != nullptr;
+         previous = vga_prev<vga_plu>(previous->node)) {
+        if (auto* mode = ntl_avl_last<vga_mode>(previous->mode_tree); mode != nullptr) {
+            return mode;
+        }
+    }
+    return nullptr;
+}
+
+void show(vga_mode* mode) {
+    vga_lu62* lu = mode->parent->parent;
+    if (is_dependent(lu->vcb)) {
+        return;
+    }
+    auto* previous = vga_prev<vga_mode>(mode->node);
+    if (previous == nullptr) {
+        previous = last_mode_before(mode->parent);
+    }
+    vga_create_viewer(&lu->parent->lus_root, &mode->viewer, VGA_VIEWER_MODE, mode, &lu->viewer,
+                      previous != nullptr ? &previous->viewer : nullptr);
+}
+
+// An LU whose row was made anew has lost those below it.
+void show_with_children(vga_lu62* lu) {
+    show(lu);
+    for (auto* plu = ntl_avl_first<vga_plu>(lu->plu_tree); plu != nullptr;
+         plu = vga_next<vga_plu>(plu->node)) {
+        for (auto* mode = ntl_avl_first<vga_mode>(plu->mode_tree); mode != nullptr;
+             mode = vga_next<vga_mode>(mode->node)) {
+            show(mode);
+        }
+    }
+    vga_show_ls_routings(lu);
+}
+
 // Takes a newer entry into a record. Where it is shown changes with its PU and NAU address; an
 // entry that asks for a place that is taken is left.
 void merge(vga_lu62* lu, const LU62_ENTRY& entry) {
@@ -98,22 +135,11 @@ void merge(vga_lu62* lu, const LU62_ENTRY& entry) {
                 join_pu(lu);
             }
         }
-        show(lu);
+        show_with_children(lu);
     }
     ntl_avl_insert(&lu->parent->lu62_alias_tree, &lu->alias_node);
     settle(lu);
     vga_update_row(root_of(lu), &lu->viewer);
-}
-
-// The row a partner's mode stands behind when it is the partner's first.
-vga_mode* last_mode_before(const vga_plu* plu) {
-    for (auto* previous = vga_prev<vga_plu>(plu->node); previous != nullptr;
-         previous = vga_prev<vga_plu>(previous->node)) {
-        if (auto* mode = ntl_avl_last<vga_mode>(previous->mode_tree); mode != nullptr) {
-            return mode;
-        }
-    }
-    return nullptr;
 }
 
 } // namespace
@@ -156,6 +182,7 @@ vga_lu62* vga_insert_vga_lu62(vga_lu62* lu, vga_node* node) {
     ntl_avl_insert(&node->lu62_alias_tree, &lu->alias_node); // an alias used twice finds the first
     settle(lu);
     show(lu);
+    vga_link_lu62_timeout(node, NOF_TIMEOUT_LOCAL_LU, lu->vcb.lu_name);
     return lu;
 }
 
@@ -249,14 +276,7 @@ vga_mode* vga_insert_vga_mode(vga_mode* mode, vga_plu* plu) {
         vga_update_row(&lu->parent->lus_root, &old->viewer);
         return old;
     }
-    if (!is_dependent(lu->vcb)) {
-        auto* previous = vga_prev<vga_mode>(mode->node);
-        if (previous == nullptr) {
-            previous = last_mode_before(plu);
-        }
-        vga_create_viewer(&lu->parent->lus_root, &mode->viewer, VGA_VIEWER_MODE, mode, &lu->viewer,
-                          previous != nullptr ? &previous->viewer : nullptr);
-    }
+    show(mode);
     vga_update_row(root_of(lu), &lu->viewer);
     return mode;
 }

@@ -63,6 +63,15 @@ enum VGA_STARTUP_STATUS : NB_BYTE { // what of a local LU 6.2 is still to be lis
     VGA_PASSWORD_LIST = 0x04,
 };
 
+// How far the list of a local LU's partners and modes has come that is made again.
+enum VGA_LU62_CHECK : NB_USHORT {
+    VGA_LU62_UNCHECKED,
+    VGA_LU62_ASKED,    // nothing has come yet
+    VGA_LU62_PARTNERS, // a page of partners has come
+    VGA_LU62_MODES,    // a page of modes has come
+    VGA_LU62_AGAIN,    // something changed behind a page that has come: one more list is due
+};
+
 struct vga_lu62 {
     NB_USHORT lu_type;
     NB_BYTE startup_status;  // VGA_STARTUP_STATUS
@@ -86,7 +95,8 @@ struct vga_lu62 {
     NTL_AVL_TREE ls_routing_tree; // link station routing, vga_compare_rem_plu
     NTL_AVL_TREE tp_tree;         // its TPs
     NB_LONG act_sess_count;       // sum over its modes
-    NB_USHORT checking;           // its partners and modes are being listed again
+    NB_USHORT checking;           // a VGA_LU62_CHECK
+    NB_USHORT changing;           // a dialog is about to redefine it
 };
 
 struct vga_plu {       // partner of a local LU 6.2

@@ -87,6 +87,7 @@ vga_mode_def* vga_insert_vga_mode_def(vga_mode_def* mode, vga_node* node) {
         auto* previous = vga_prev<vga_mode_def>(mode->node);
         vga_create_viewer(&node->mode_root, &mode->viewer, VGA_VIEWER_MODE_DEF, mode, nullptr,
                           previous != nullptr ? &previous->viewer : nullptr);
+        vga_link_lu62_timeout(node, NOF_TIMEOUT_MODE, mode->vcb.mode_name);
         return mode;
     }
     auto* old = vga_older<vga_mode_def>(node->mode_def_tree, mode->vcb.mode_name);

@@ -102,5 +102,42 @@ bool vga_entry_plu_def(vga_page_context& context, const void* entry);
 bool vga_entry_cos(vga_page_context& context, const void* entry);
 bool vga_entry_cos_node_row(vga_page_context& context, const void* entry);
 bool vga_entry_cos_tg_row(vga_page_context& context, const void* entry);
+bool vga_entry_lu62_timeout(vga_page_context& context, const void* entry);
+bool vga_entry_ls_routing(vga_page_context& context, const void* entry);
+bool vga_entry_lu_lu_password(vga_page_context& context, const void* entry);
+bool vga_entry_primary_line(vga_page_context& context, const void* entry);
+bool vga_entry_primary_lu0(vga_page_context& context, const void* entry);
+bool vga_entry_tp_def(vga_page_context& context, const void* entry);
+bool vga_entry_tp_load_info(vga_page_context& context, const void* entry);
+bool vga_entry_dspu_template(vga_page_context& context, const void* entry);
+bool vga_entry_userid_password(vga_page_context& context, const void* entry);
+bool vga_entry_security_access_list(vga_page_context& context, const void* entry);
+bool vga_entry_tn_client(vga_page_context& context, const void* entry);
+bool vga_entry_tn_assoc(vga_page_context& context, const void* entry);
+bool vga_entry_tn_redirect(vga_page_context& context, const void* entry);
+bool vga_entry_appcip_sess(vga_page_context& context, const void* entry);
+bool vga_entry_rtp_conn(vga_page_context& context, const void* entry);
+bool vga_entry_pool(vga_page_context& context, const void* entry);
+bool vga_entry_user(vga_page_context& context, const void* entry);
+bool vga_entry_cpic(vga_page_context& context, const void* entry);
+bool vga_entry_rje_wkstn(vga_page_context& context, const void* entry);
 bool vga_entry_node(vga_page_context& context, const void* entry);
 bool vga_entry_sna_net(vga_page_context& context, const void* entry);
+
+// Hands over the items behind the fixed part of an entry, at most count, each of which begins with
+// its length. False as soon as take is.
+template <typename Item, typename Entry, typename Take>
+bool vga_each_item(const Entry* entry, NB_ULONG count, Take take) {
+    const auto* bytes = reinterpret_cast<const NB_BYTE*>(entry);
+    for (std::size_t at = sizeof(Entry); count > 0 && at + sizeof(Item) <= entry->length; --count) {
+        const auto* item = reinterpret_cast<const Item*>(bytes + at);
+        if (item->length < sizeof(Item)) {
+            break;
+        }
+        if (!take(item)) {
+            return false;
+        }
+        at += item->length;
+    }
+    return true;
+}

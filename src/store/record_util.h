@@ -125,10 +125,23 @@ void vga_log_missing_parent_ebcdic(int subcode, NB_USHORT opcode, const NB_BYTE*
 // address order. A PU that is not shown shows none.
 void vga_show_dependent_lu(vga_pu* pu, const NTL_AVL_NODE& nau_node, vga_viewer* viewer,
                            NB_BYTE type, void* lu);
+// The rows of all LUs of a PU whose own row was made anew.
+void vga_show_dependent_lus(vga_pu* pu);
 // Gives a dependent LU, whose key *address is, another NAU address, with its place in the list.
 // False: another LU of the PU has that address.
 bool vga_move_nau_address(vga_pu* pu, NTL_AVL_NODE* nau_node, NB_BYTE* address, NB_BYTE wanted,
                           vga_viewer* viewer, NB_BYTE type);
+
+// Makes the rows of the routes of a local LU whose own row was made anew.
+void vga_show_ls_routings(vga_lu62* lu);
+// Links an LU 6.2 or mode definition that has come into the store with its session timeout.
+void vga_link_lu62_timeout(vga_node* node, NB_BYTE type, const NB_BYTE* name);
+// Breaks that link. expression: the invariant that the timeout is the resource's.
+void vga_unlink_lu62_timeout(vga_lu62_timeout** timeout, const void* resource,
+                             const char* expression);
+// Deletes the passwords of a local LU with all its partners.
+void vga_delete_lu_lu_passwords(const vga_lu62* lu, bool redraw);
+void vga_release_ls_routings(vga_lu62* lu);
 
 // Takes a dialog off the record it works on. expression: the invariant that it works on it.
 inline void vga_detach(vga_dialog** dialog, const void* record, const char* expression) {

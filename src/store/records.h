@@ -6,5 +6,13 @@
 
 #include "store/connectivity_records.h"
 #include "store/lu_records.h"
+#include "store/pool_records.h"
 #include "store/remote_records.h"
+#include "store/routing_records.h"
+#include "store/security_records.h"
+#include "store/session_records.h"
 #include "store/system_records.h"
+#include "store/template_records.h"
+#include "store/tn3270_records.h"
+#include "store/tp_records.h"
+#include "store/user_records.h"

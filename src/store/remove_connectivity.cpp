@@ -4,6 +4,7 @@
 #include "store/record_util.h"
 #include "store/remove.h"
 #include "store/store.h"
+#include "store/tracking.h"
 
 namespace {
 
@@ -41,6 +42,7 @@ void detach(vga_down_lu* lu) {
 
 void release_lu03(vga_lu03* lu) {
     detach(lu);
+    vga_update_user_sessions(lu, false);
     vga_leave_tree(&gvga_system->lu_tree, &lu->system_node);
     vga_free(lu->extra_data);
     vga_free_record(lu);
@@ -208,6 +210,7 @@ void vga_delete_vga_cn_port(vga_cn_port* cn_port) {
 void vga_delete_vga_lu03(vga_lu03* lu, bool redraw) {
     vga_pu* pu = lu->parent;
     detach(lu);
+    vga_remove_pool_lu(lu, pu->parent, false);
     vga_delete_row(&pu->parent->links_root, &lu->viewer, redraw);
     vga_leave_tree(&pu->lu_tree, &lu->node);
     vga_leave_tree(&pu->nau_tree, &lu->nau_node);
@@ -225,6 +228,9 @@ void vga_delete_vga_down_lu(vga_down_lu* lu, bool redraw) {
     vga_delete_row(&pu->parent->links_root, &lu->viewer, redraw);
     vga_leave_tree(&pu->lu_tree, &lu->node);
     vga_leave_tree(&pu->nau_tree, &lu->nau_node);
+    if (lu->update_mark != 0) {
+        --pu->marked;
+    }
     release_down_lu(lu);
 }
 

@@ -39,6 +39,7 @@ void release_plu(vga_plu* plu) {
 void release_lu62(vga_lu62* lu) {
     detach(lu);
     vga_drain<vga_plu>(&lu->plu_tree, release_plu);
+    vga_release_ls_routings(lu);
     vga_free_record(lu);
 }
 void release_mode_def(vga_mode_def* mode) {
@@ -112,7 +113,12 @@ void vga_delete_vga_lu62(vga_lu62* lu62, bool redraw) {
     while (auto* plu = ntl_avl_first<vga_plu>(lu62->plu_tree)) {
         vga_delete_vga_plu(plu, false);
     }
+    while (auto* routing = ntl_avl_first<vga_ls_routing>(lu62->ls_routing_tree)) {
+        vga_delete_vga_ls_routing(routing, false);
+    }
     end_remote_sessions(lu62);
+    vga_delete_lu_lu_passwords(lu62, redraw);
+    vga_unlink_lu62_timeout(&lu62->timeout, lu62, "lu62->timeout->resource == lu62");
     if (node->cp_lu == lu62) {
         node->cp_lu = nullptr;
     }
@@ -145,6 +151,7 @@ void vga_delete_vga_mode(vga_mode* mode, bool redraw) {
 }
 
 void vga_delete_vga_mode_def(vga_mode_def* mode, bool redraw) {
+    vga_unlink_lu62_timeout(&mode->timeout, mode, "mode_def->timeout->resource == mode_def");
     vga_delete_row(&mode->parent->mode_root, &mode->viewer, redraw);
     vga_leave_tree(&mode->parent->mode_def_tree, &mode->node);
     release_mode_def(mode);

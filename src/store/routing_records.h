@@ -1,9 +1,11 @@
-// Link station routes of a local LU 6.2, and the node as a host: primary lines and their LUs.
+// Link station routes and session timeouts of LUs 6.2, and the node as a host: primary lines and
+// their LUs.
 #pragma once
 
 #include "common/avl.h"
 #include "nof/primary.h"
 #include "nof/routing.h"
+#include "store/compare.h"
 #include "store/connectivity_records.h"
 #include "store/remote_records.h"
 
@@ -19,14 +21,25 @@ struct vga_ls_routing {
     vga_viewer viewer; // under the LU's route heading
 };
 
+struct vga_lu62_timeout {
+    NTL_AVL_NODE node; // node LU 6.2 timeout tree, key key
+    vga_lu62_timeout_key key;
+    NB_HANDLE handle;
+    vga_node* parent;
+    LU62_TIMEOUT_ENTRY vcb;
+    // What vcb.resource_type says: the vga_node, vga_lu62 or vga_mode_def whose timeout it is and
+    // that points back; null while that is not in the store, and for partner LUs.
+    void* resource;
+};
+
 struct vga_primary_line {
     NTL_AVL_NODE node; // node primary line tree, key vcb.line_name
     NB_HANDLE handle;
     vga_node* parent;
     PRIMARY_LINE_ENTRY vcb;
     vga_record_gui gui_data;
-    vga_viewer viewer;    // under the primary line fake port
-    NTL_AVL_TREE lu_tree; // vga_primary_lu0
+    vga_viewer viewer;     // under the primary line fake port
+    NTL_AVL_TREE lu0_tree; // vga_primary_lu0
 };
 
 struct vga_primary_lu0 {
@@ -35,5 +48,5 @@ struct vga_primary_lu0 {
     vga_primary_line* parent;
     PRIMARY_LU0_ENTRY vcb;
     vga_record_gui gui_data;
-    vga_viewer viewer;
+    vga_viewer viewer; // under the line's row
 };

@@ -16,11 +16,13 @@
 struct vga_store_hooks {
     void (*node_built)(vga_node* node);   // all flags of a node are clear
     void (*system_built)();               // all flags of the system are clear
-    void (*node_changed)(vga_node* node); // its state or entry: the node window draws it anew
+    void (*node_changed)(vga_node* node); // its state, role or entry: row and windows follow
     void (*node_added)(vga_node* node);   // after its row was made
     void (*node_removed)(vga_node* node); // before its row goes
-    void (*roles_changed)();              // server roles: the system window's buttons
+    void (*roles_changed)();              // server roles, local server, network file
     bool (*start_shutdown)();             // orderly end of the program; false: could not start
+    // A definition that the store re-issued succeeded: what its completion means otherwise.
+    void (*definition_done)(VGA_COMPLETION* completion, vga_node* node);
 };
 extern vga_store_hooks gvga_store_hooks;
 
@@ -36,9 +38,14 @@ vga_sna_net_node* vga_init_sna_net_node(const SNA_NET_ENTRY* entry);
 vga_sna_net_node* vga_insert_sna_net_node(vga_sna_net_node* node);
 // Keeps the node's defaults of APPC over IP. False: exit code 1 is set.
 bool vga_add_ipbridge_appcip_defaults(vga_node* node, const IPBRIDGE_APPCIP_DEFAULTS* defaults);
+// A node name of a block, padded with zeros or blanks, as the store keeps it: padded with zeros.
+void vga_copy_node_name(NB_NODE_NAME to, const char* from);
 // The node of a name (128 characters), of a connection, of a TP load-information file; or null.
 vga_node* vga_find_node(const char* node_name);
 vga_node* vga_find_node_by_handle(NB_HANDLE node_handle);
+// The node whose record has a handle; null for any other handle, whatever record that is of. For
+// correlators as the node software returns them.
+vga_node* vga_validate_node(NB_ULONG corr);
 // The server role that the names give a node.
 VGA_SERVER_ROLE vga_server_role(const vga_node* node);
 // Redraws the node's row in the system window and tells its node window.
@@ -99,6 +106,9 @@ vga_lu03* vga_init_vga_lu03(vga_pu* pu, const LU03_ENTRY* entry);
 vga_lu03* vga_insert_vga_lu03(vga_lu03* lu, vga_pu* pu);
 vga_down_lu* vga_init_vga_down_lu(vga_pu* pu, const DOWN_LU_ENTRY* entry);
 vga_down_lu* vga_insert_vga_down_lu(vga_down_lu* lu, vga_pu* pu);
+// Gives a downstream LU another definition, and its place in the list by its NAU address; it keeps
+// its state. An address that another LU of the PU has is logged, and the definition is not taken.
+void vga_redefine_down_lu(vga_down_lu* lu, const DOWN_LU_DEF* definition);
 vga_lu62* vga_init_vga_lu62(vga_node* node, const LU62_ENTRY* entry);
 vga_lu62* vga_insert_vga_lu62(vga_lu62* lu, vga_node* node);
 vga_plu* vga_init_vga_plu(vga_lu62* lu, const PLU_ENTRY* entry);
@@ -184,6 +194,110 @@ bool vga_track_rem_sessions(vga_lu62* lu, const MODE_ENTRY* entry);
 // remote system. The session, and what has no other reason to exist, goes with its last session.
 void vga_count_rem_sessions(vga_rem_sess* sess, NB_LONG count);
 
+// ---- routing and session timeouts of LUs 6.2 ----
+
+// A route is shown under its local LU behind a heading that the LU's first route brings along.
+vga_ls_routing* vga_init_vga_ls_routing(vga_lu62* lu, const LS_ROUTING_ENTRY* entry);
+vga_ls_routing* vga_insert_vga_ls_routing(vga_ls_routing* routing, vga_lu62* lu);
+vga_lu62_timeout* vga_init_vga_lu62_timeout(vga_node* node, const LU62_TIMEOUT_ENTRY* entry);
+vga_lu62_timeout* vga_insert_vga_lu62_timeout(vga_lu62_timeout* timeout, vga_node* node);
+
+// ---- the node as a host ----
+
+vga_primary_line* vga_init_vga_primary_line(vga_node* node, const PRIMARY_LINE_ENTRY* entry);
+vga_primary_line* vga_insert_vga_primary_line(vga_primary_line* line, vga_node* node);
+// An LU that another line of the node has moves to this one.
+vga_primary_lu0* vga_init_vga_primary_lu0(vga_primary_line* line, const PRIMARY_LU0_ENTRY* entry);
+vga_primary_lu0* vga_insert_vga_primary_lu0(vga_primary_lu0* lu, vga_primary_line* line);
+// The LU of a name (8 characters) on any line of the node, or null.
+vga_primary_lu0* vga_find_primary_lu0(const vga_node* node, const char* lu_name);
+
+// ---- transaction programs ----
+
+vga_tp_def* vga_init_vga_tp_def(vga_node* node, const TP_DEF_ENTRY* entry);
+vga_tp_def* vga_insert_vga_tp_def(vga_tp_def* tp, vga_node* node);
+// entry->length covers the LTV items that follow the fixed part.
+vga_tp_load_info* vga_init_vga_tp_load_info(vga_node* node, const TP_LOAD_INFO_ENTRY* entry);
+vga_tp_load_info* vga_insert_vga_tp_load_info(vga_tp_load_info* info, vga_node* node);
+
+// ---- templates of downstream PUs ----
+
+// A template without its ranges, which are records of their own. One that is in no tree serves as a
+// private copy; its ranges and their rows work all the same.
+vga_dspu_template* vga_init_vga_dspu_template(vga_node* node, const DSPU_TEMPLATE_ENTRY* entry);
+// Ports that name the template are given it.
+vga_dspu_template* vga_insert_vga_dspu_template(vga_dspu_template* dspu, vga_node* node);
+vga_dslu_template* vga_init_vga_dslu_template(vga_dspu_template* dspu, const DSLU_TEMPLATE* entry);
+vga_dslu_template* vga_insert_vga_dslu_template(vga_dslu_template* dslu, vga_dspu_template* dspu);
+
+// ---- security ----
+
+vga_userid_password* vga_init_vga_userid_password(vga_node* node,
+                                                  const USERID_PASSWORD_ENTRY* entry);
+// continues: the entry goes on with the profiles of the one before it, which has the same user ID;
+// they are added to its own, those beyond NOF_USER_PROFILES logged and dropped.
+vga_userid_password* vga_insert_vga_userid_password(vga_userid_password* userid, vga_node* node,
+                                                    bool continues = false);
+// A list without its users, which are records of their own. A merge keeps those it has.
+vga_security_access_list*
+vga_init_vga_security_access_list(vga_node* node, const SECURITY_ACCESS_LIST_ENTRY* entry);
+vga_security_access_list* vga_insert_vga_security_access_list(vga_security_access_list* list,
+                                                              vga_node* node);
+vga_security_access_user* vga_init_vga_security_access_user(vga_security_access_list* list,
+                                                            const ACCESS_LIST_USER* entry);
+vga_security_access_user* vga_insert_vga_security_access_user(vga_security_access_user* user,
+                                                              vga_security_access_list* list);
+// lu: the local LU, which the entry may leave unnamed.
+vga_lu_lu_password* vga_init_vga_lu_lu_password(vga_lu62* lu, const LU_LU_PASSWORD_ENTRY* entry);
+vga_lu_lu_password* vga_insert_vga_lu_lu_password(vga_lu_lu_password* password, vga_lu62* lu);
+// The password of a local LU with a partner (17 bytes, EBCDIC), or null.
+vga_lu_lu_password* vga_find_lu_lu_password(const vga_lu62* lu, const NB_BYTE* plu_name);
+
+// ---- TN3270 server ----
+
+// A client without its sessions, which are records of their own. A merge keeps those it has.
+vga_tn_client* vga_init_vga_tn_client(vga_node* node, const TN3270_ACCESS_ENTRY* entry);
+vga_tn_client* vga_insert_vga_tn_client(vga_tn_client* client, vga_node* node);
+// Sessions of all clients are rows of one list, in the order of clients and ports. Those that are
+// not to be listed (TN3270_SESSION not_listed) are for the caller to leave out.
+vga_tn_sess* vga_init_vga_tn_sess(vga_tn_client* client, const TN3270_SESSION* entry);
+vga_tn_sess* vga_insert_vga_tn_sess(vga_tn_sess* sess, vga_tn_client* client);
+vga_tn_assoc* vga_init_vga_tn_assoc(vga_node* node, const TN3270_ASSOCIATION_ENTRY* entry);
+vga_tn_assoc* vga_insert_vga_tn_assoc(vga_tn_assoc* assoc, vga_node* node);
+vga_tn_redirect* vga_init_vga_tn_redirect(vga_node* node, const TN_REDIRECT_ENTRY* entry);
+vga_tn_redirect* vga_insert_vga_tn_redirect(vga_tn_redirect* redirect, vga_node* node);
+
+// ---- sessions that the node reports ----
+
+// A record that is listed again keeps its row, handle and dialogs, and takes a changed second key.
+// Of two RTP connections of one name the name finds the first. Numbers of sessions are unique: a
+// session of the same number has ended at the node and is deleted.
+vga_rtp_conn* vga_init_vga_rtp_conn(vga_node* node, const RTP_CONNECTION_ENTRY* entry);
+vga_rtp_conn* vga_insert_vga_rtp_conn(vga_rtp_conn* conn, vga_node* node);
+vga_appcip_sess* vga_init_vga_appcip_sess(vga_node* node, const IPBRIDGE_APPCIP_ENTRY* entry);
+vga_appcip_sess* vga_insert_vga_appcip_sess(vga_appcip_sess* sess, vga_node* node);
+
+// ---- definitions of the domain ----
+
+// A user without its sessions, which are records of their own. A merge keeps those it has.
+vga_user* vga_init_vga_user(vga_system* system, const EMULATOR_USER_ENTRY* entry);
+vga_user* vga_insert_vga_user(vga_user* user, vga_system* system);
+vga_user_sess* vga_init_vga_user_sess(vga_user* user, const USER_SESSION* entry);
+vga_user_sess* vga_insert_vga_user_sess(vga_user_sess* sess, vga_user* user);
+vga_cpic* vga_init_vga_cpic(vga_system* system, const CPIC_SIDE_INFO_ENTRY* entry);
+vga_cpic* vga_insert_vga_cpic(vga_cpic* cpic, vga_system* system);
+vga_rje_wkstn* vga_init_vga_rje_wkstn(vga_system* system, const RJE_WKSTN_ENTRY* entry);
+vga_rje_wkstn* vga_insert_vga_rje_wkstn(vga_rje_wkstn* wkstn, vga_system* system);
+
+// ---- pools; where an LU belongs is found by vga_find_pool_insert_pos (tracking.h) ----
+
+vga_sys_pool* vga_init_vga_sys_pool(vga_system* system, const NB_BYTE* pool_name);
+vga_sys_pool* vga_insert_vga_sys_pool(vga_sys_pool* pool, vga_system* system);
+vga_pool* vga_init_vga_pool(vga_sys_pool* pool, const vga_node* node);
+vga_pool* vga_insert_vga_pool(vga_pool* pool, vga_sys_pool* system_pool);
+// Adds an LU that is in no pool to one, whose name it takes, and counts it there.
+void vga_insert_pool_lu(vga_lu03* lu, vga_pool* pool);
+
 // ---- end of records ----
 
 // Takes a node out of the store with all it owns; no handle of it validates afterwards. In a
@@ -192,7 +306,12 @@ void vga_count_rem_sessions(vga_rem_sess* sess, NB_LONG count);
 // vga_process_disconnect_node.
 void vga_free_node_resources(vga_node* node, bool gone, VGA_CALLBACK callback);
 void vga_do_free_node_res(vga_node* node, bool gone, VGA_CALLBACK callback);
+// Give a connection or a file back to the node software; the process functions, when they are the
+// callback, try again while the handle has verbs outstanding. False: there is no memory.
+bool vga_issue_disconnect_node(NB_HANDLE handle, NB_ULONG corr, VGA_CALLBACK callback);
 void vga_process_disconnect_node(VGA_COMPLETION* completion);
+bool vga_issue_close_file(NB_HANDLE handle, NB_ULONG corr, VGA_CALLBACK callback);
+void vga_process_close_file(VGA_COMPLETION* completion);
 // Closes the configuration file and deletes what it held. report: tells the operator about updates
 // that are lost.
 void vga_free_system_resources(bool report, VGA_CALLBACK callback);

@@ -57,16 +57,6 @@ constexpr Title titles[] = {
     {&vga_node::tn_redirect_title, &vga_node::tn_redirect_root, VGA_VIEWER_TN_REDIRECT_TITLE},
 };
 
-// A name field of a block as text, terminated when it is shorter than the field.
-void copy_node_name(NB_NODE_NAME to, const char* from) {
-    std::size_t length = strnlen(from, sizeof(NB_NODE_NAME));
-    while (length > 0 && from[length - 1] == ' ') {
-        --length;
-    }
-    std::memset(to, 0, sizeof(NB_NODE_NAME));
-    std::memcpy(to, from, length);
-}
-
 bool init_roots(vga_viewer_root* const* roots, std::size_t count) {
     for (std::size_t i = 0; i < count; ++i) {
         if (!vga_viewer_init_root(roots[i])) {
@@ -129,7 +119,7 @@ vga_node* vga_init_vga_node(const NODE_ALL_ENTRY* entry) {
     if (node == nullptr) {
         return nullptr;
     }
-    copy_node_name(node->node_name, entry->node_name);
+    vga_copy_node_name(node->node_name, entry->node_name);
     node->node_state = VGA_NODE_STATE_UNCONFIGURED;
     node->build_flags = vga_flag(VGA_NODE_FLAG_COUNT) - 1;
     ntl_avl_init_node(&node->node, node, node->node_name);
@@ -177,6 +167,15 @@ bool vga_check_node_startup(const vga_node* node) {
     return node->build_flags == 0;
 }
 
+void vga_copy_node_name(NB_NODE_NAME to, const char* from) {
+    std::size_t length = strnlen(from, sizeof(NB_NODE_NAME));
+    while (length > 0 && from[length - 1] == ' ') {
+        --length;
+    }
+    std::memset(to, 0, sizeof(NB_NODE_NAME));
+    std::memcpy(to, from, length);
+}
+
 vga_node* vga_find_node(const char* node_name) {
     return vga_find<vga_node>(gvga_system->node_tree, node_name);
 }
@@ -189,6 +188,15 @@ vga_node* vga_find_node_by_handle(NB_HANDLE handle) {
         }
     }
     return nullptr;
+}
+
+vga_node* vga_validate_node(NB_ULONG corr) {
+    const void* record = nba_validate_handle(corr);
+    auto* node = record != nullptr ? ntl_avl_first<vga_node>(gvga_system->node_tree) : nullptr;
+    while (node != nullptr && node != record) {
+        node = vga_next<vga_node>(node->node);
+    }
+    return node;
 }
 
 VGA_SERVER_ROLE vga_server_role(const vga_node* node) {
@@ -204,7 +212,6 @@ VGA_SERVER_ROLE vga_server_role(const vga_node* node) {
 }
 
 void vga_redraw_node(vga_node* node) {
-    vga_update_row(&gvga_system->node_viewer_root, &node->viewer);
     if (gvga_store_hooks.node_changed != nullptr) {
         gvga_store_hooks.node_changed(node);
     }
@@ -216,7 +223,7 @@ vga_sna_net_node* vga_init_sna_net_node(const SNA_NET_ENTRY* entry) {
         VGA_FATAL(VGA_EXIT_INTERNAL, 0);
         return nullptr;
     }
-    copy_node_name(node->node_name, entry->node_name);
+    vga_copy_node_name(node->node_name, entry->node_name);
     ntl_avl_init_node(&node->node, node, node->node_name);
     return node;
 }

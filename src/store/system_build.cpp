@@ -5,6 +5,7 @@
 #include "store/query.h"
 #include "store/record_util.h"
 #include "store/store.h"
+#include "store/tracking_util.h"
 
 namespace {
 
@@ -129,6 +130,7 @@ void registered(const void* vcb) {
 // ---- lists ----
 
 void after_users() {
+    vga_recount_user_lus(); // of a file that has come back: the nodes are there already
     if (is_set(VGA_SYSTEM_NODE_LIST)) {
         query(VGA_QUERY_NODE_LIST);
     }

@@ -211,7 +211,8 @@ std::vector<std::string> CONSOLE::rows(vga_viewer_root& root, bool collapsed_too
     return rows;
 }
 
-bool CONSOLE::click_row(vga_viewer_root& root, const std::string& part, unsigned modifiers) {
+bool CONSOLE::click_row(vga_viewer_root& root, const std::string& part, unsigned modifiers,
+                        int count) {
     const std::vector<std::string> shown = rows(root);
     const auto row = std::ranges::find_if(
         shown, [&](const std::string& text) { return text.find(part) != std::string::npos; });
@@ -223,7 +224,7 @@ bool CONSOLE::click_row(vga_viewer_root& root, const std::string& part, unsigned
     if (y < 0 || y >= root.view_height) {
         return false;
     }
-    click(root.draw_widget, root.view_width / 2, static_cast<int>(y), modifiers);
+    click(root.draw_widget, root.view_width / 2, static_cast<int>(y), modifiers, count);
     return true;
 }
 

@@ -44,7 +44,8 @@ public:
     // The rows of a list as shown: indented by their level, with column markers as blanks.
     static std::vector<std::string> rows(vga_viewer_root& root, bool collapsed_too = false);
     // Clicks a row whose text contains a part.
-    bool click_row(vga_viewer_root& root, const std::string& part, unsigned modifiers = 0);
+    bool click_row(vga_viewer_root& root, const std::string& part, unsigned modifiers = 0,
+                   int count = 1);
     // The text of the message box that shows, or "".
     static std::string message();
     // Answers the message box: "OK", "Cancel", "confirmOKToAllButton", "confirmNoButton".

@@ -38,7 +38,7 @@ TEST_F(Connectivity, ALinkStationMergesWhateverPortItNames) {
     EXPECT_EQ(first->vcb->det.activation_flags, NOF_LS_INCOMING);
     EXPECT_EQ(first->vcb->def.tg_number, 7);
     EXPECT_EQ(first->restart_check, 0);
-    EXPECT_EQ(rows(node->links_root), (Rows{"ETH0", " LS1", "ETH1"}));
+    EXPECT_EQ(rows(node->links_root), (Rows{"ETH0", "ETH1", " LS1"}));
 }
 
 TEST_F(Connectivity, ARedefinitionAddsOrDropsThePuOfALinkStation) {

@@ -152,6 +152,46 @@ std::string row_name(const vga_viewer& row) {
     case VGA_VIEWER_REM_SESS:
         return get(static_cast<vga_rem_sess*>(row.data)->key.lu_name) + "/" +
                get(static_cast<vga_rem_sess*>(row.data)->key.mode_name);
+    case VGA_VIEWER_LS_R_TITLE:
+        return "routes";
+    case VGA_VIEWER_LS_R: {
+        const LS_ROUTING_KEY& key = static_cast<vga_ls_routing*>(row.data)->vcb.key;
+        return get(key.plu_name) + (key.wildcard == 1 ? "*" : "");
+    }
+    case VGA_VIEWER_PRIMARY_LINE:
+        return get(static_cast<vga_primary_line*>(row.data)->vcb.line_name);
+    case VGA_VIEWER_PRIMARY_LU0:
+        return get(static_cast<vga_primary_lu0*>(row.data)->vcb.lu_name);
+    case VGA_VIEWER_DSLU_TEMPLATE: {
+        const DSLU_TEMPLATE& range = static_cast<vga_dslu_template*>(row.data)->vcb;
+        return std::to_string(range.first_nau) + "-" + std::to_string(range.last_nau);
+    }
+    case VGA_VIEWER_SL_SECURITY: {
+        const vga_sl_sec_key& key = static_cast<vga_lu_lu_password*>(row.data)->key;
+        return get(key.lu_name) + "/" + get(key.plu_name);
+    }
+    case VGA_VIEWER_TN_SESS: {
+        const auto* sess = static_cast<vga_tn_sess*>(row.data);
+        return get(sess->parent->vcb.client.address) + "/" + std::to_string(sess->vcb.port);
+    }
+    case VGA_VIEWER_APPCIP_SESS:
+        return get(static_cast<vga_appcip_sess*>(row.data)->vcb.session.lu_name);
+    case VGA_VIEWER_USER:
+        return get(static_cast<vga_user*>(row.data)->vcb.user_name);
+    case VGA_VIEWER_USER_SESS:
+        return get(static_cast<vga_user_sess*>(row.data)->vcb.session_name);
+    case VGA_VIEWER_CPIC:
+        return get(static_cast<vga_cpic*>(row.data)->vcb.sym_dest_name);
+    case VGA_VIEWER_RJE:
+        return get(static_cast<vga_rje_wkstn*>(row.data)->vcb.wkstn_name);
+    case VGA_VIEWER_POOL:
+        return get(static_cast<vga_sys_pool*>(row.data)->pool_name);
+    case VGA_VIEWER_POOL_LU:
+        return get(static_cast<vga_lu03*>(row.data)->vcb.lu_name);
+    case VGA_VIEWER_SL_SEC_TITLE:
+    case VGA_VIEWER_TN_SESS_TITLE:
+    case VGA_VIEWER_APPCIP_SESS_TITLE:
+        return "title";
     default:
         return "?";
     }

@@ -47,7 +47,8 @@ void ScriptedNode::answer_list(LIST_QUERY* list) {
     } else if (list->header.opcode == NAP_QUERY_DOWNSTREAM_LU) {
         owner = get(reinterpret_cast<const QUERY_DOWNSTREAM_LU*>(list)->dspu_name);
     } else if (list->header.opcode == NAP_QUERY_PARTNER_LU ||
-               list->header.opcode == NAP_QUERY_MODE) {
+               list->header.opcode == NAP_QUERY_MODE ||
+               list->header.opcode == NAP_QUERY_LU_LU_PASSWORD) {
         owner = get(*reinterpret_cast<const NB_NAME8E*>(key));
     }
     const auto name = std::make_pair(list->header.opcode, owner);
