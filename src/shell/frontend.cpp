@@ -39,6 +39,19 @@ void merge_low_screen_resources() {
     XrmCombineDatabase(database, &gvga_resource_database, False);
 }
 
+// Large screens have larger icons and a larger font in the lists, so labels follow. The user's file
+// comes later.
+void merge_large_size_resources() {
+    char size[16];
+    if (!vga_uses_large_size() ||
+        !vga_get_resource_string(".largeFontSize", "", size, sizeof size) || size[0] == '\0') {
+        return;
+    }
+    for (const char* name : {"*labels.fontSize", "*fields.fontSize"}) {
+        XrmPutStringResource(&gvga_resource_database, name, size);
+    }
+}
+
 void merge_user_file() {
     constexpr std::size_t max_home = 300 - 8;
     constexpr const char* file = "/.tessalyrc";
@@ -152,6 +165,7 @@ bool vga_initialise_frontend(int* argc, char** argv) {
     XrmOptionDescRec options[] = {{option, specifier, XrmoptionSepArg, nullptr}};
     XrmParseCommand(&gvga_resource_database, options, 1, application_class, argc, argv);
     merge_low_screen_resources();
+    merge_large_size_resources();
     merge_user_file();
     if (*argc > 1) {
         vga_print_usage(true, argv);

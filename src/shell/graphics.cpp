@@ -10,6 +10,7 @@
 #include <algorithm>
 #include <cstdio>
 #include <cstring>
+#include <span>
 #include <string_view>
 #include <utility>
 
@@ -26,14 +27,18 @@ constexpr int MESSAGE_SMALL_FONT = 609;
 vga_viewer_metrics gvga_metrics;
 Pixmap gvga_pixmaps[VGA_ICON_COUNT];
 Pixmap gvga_inverted_pixmaps[VGA_ICON_COUNT];
-GC gvga_normal_gc, gvga_inverted_gc, gvga_outline_gc;
+Pixmap gvga_symbols[VGA_SYMBOL_COUNT];
+const char* const gvga_symbol_names[VGA_SYMBOL_COUNT] = {"boxerror", "boxinfo", "boxask", "winnode",
+                                                         "winsystem"};
+GC gvga_normal_gc, gvga_inverted_gc, gvga_outline_gc, gvga_selection_gc;
 XFontSet gvga_font_set;
 XFontStruct* gvga_font;
 Pixel gvga_background, gvga_foreground, gvga_top_shadow, gvga_bottom_shadow;
+Pixel gvga_list_background, gvga_selection;
 
 namespace {
 
-void read_colours(Widget widget) {
+void read_colours(Widget widget, Widget list) {
     Widget shell = widget;
     while (XtParent(shell) != nullptr && !XtIsShell(shell)) {
         shell = XtParent(shell);
@@ -46,6 +51,9 @@ void read_colours(Widget widget) {
     Pixel select = 0;
     XmGetColors(XtScreen(widget), colour_map, gvga_background, &foreground, &gvga_top_shadow,
                 &gvga_bottom_shadow, &select);
+    gvga_selection = gvga_foreground; // of a widget that shows no focus
+    XtVaGetValues(list, XmNbackground, &gvga_list_background, XmNhighlightColor, &gvga_selection,
+                  nullptr);
 }
 
 struct Size_choice {
@@ -54,20 +62,24 @@ struct Size_choice {
     bool chosen; // by a resource, not by the screen's width
 };
 
+// The resource "*size": 's' small, 'b' big, '\0' unset, '?' anything else.
+char size_resource() {
+    char value[31];
+    if (!vga_get_resource_string("*size", "", value, sizeof value) || value[0] == '\0') {
+        return '\0';
+    }
+    const std::string_view size = value;
+    return size == "small" || size == "big" ? value[0] : '?';
+}
+
 Size_choice choose_size() {
     Size_choice size = {};
-    bool large = WidthOfScreen(gvga_screen) > LARGE_SCREEN;
-    char value[31];
-    if (vga_get_resource_string("*size", "", value, sizeof value) && value[0] != '\0') {
-        const bool small = std::strcmp(value, "small") == 0;
-        const bool big = std::strcmp(value, "big") == 0;
-        if (small || big) {
-            large = big;
-            size.chosen = true;
-        } else {
-            XtAppWarning(gvga_appcontext, gvga_messages[613]);
-        }
+    const char resource = size_resource();
+    if (resource == '?') {
+        XtAppWarning(gvga_appcontext, gvga_messages[613]);
     }
+    size.chosen = resource == 's' || resource == 'b';
+    const bool large = vga_uses_large_size();
     size.font_message = large ? MESSAGE_LARGE_FONT : MESSAGE_SMALL_FONT;
     if (large) {
         v0_mb_strncpy(size.suffix, gvga_messages[MESSAGE_LARGE_SUFFIX], sizeof size.suffix);
@@ -89,11 +101,14 @@ GC make_gc(XGCValues values, unsigned long mask) {
 void make_gcs() {
     XGCValues values = {};
     values.foreground = gvga_foreground;
-    values.background = gvga_background;
+    values.background = gvga_list_background;
     gvga_normal_gc = make_gc(values, GCForeground | GCBackground);
-    std::swap(values.foreground, values.background);
+    values.foreground = gvga_list_background;
+    values.background = gvga_selection;
     gvga_inverted_gc = make_gc(values, GCForeground | GCBackground);
-    values.foreground = gvga_background ^ gvga_foreground;
+    std::swap(values.foreground, values.background);
+    gvga_selection_gc = make_gc(values, GCForeground | GCBackground);
+    values.foreground = gvga_list_background ^ gvga_selection;
     values.function = GXxor;
     values.line_style = LineOnOffDash;
     values.dashes = 1;
@@ -139,29 +154,39 @@ bool open_icons(Size_choice* size, MrmHierarchy* icons) {
     }
 }
 
+// Icons that stand in the windows themselves; the others stand in lists.
+bool stands_in_window(int icon) {
+    return (icon >= VGA_ICON_START && icon <= VGA_ICON_STATUSINS) || icon == VGA_ICON_ADDDFLT ||
+           icon == VGA_ICON_DELDFLT;
+}
+
+// One image out of the icon file, or None with a line in the log.
+Pixmap fetch_image(MrmHierarchy icons, const char* name, const char* suffix, const char* ending,
+                   int subcode, Pixel foreground, Pixel background) {
+    char literal[64];
+    std::snprintf(literal, sizeof literal, "%.30s%s_icon%s", name, suffix, ending);
+    Pixmap pixmap = None;
+    if (MrmFetchIconLiteral(icons, literal, gvga_screen, gvga_display, foreground, background,
+                            &pixmap) != MrmSUCCESS) {
+        nba_pd_print_problem(0x40020007, subcode, "s", "icons");
+        return None;
+    }
+    return pixmap;
+}
+
 // The two images of an icon; subcodes tell which one was missing.
 bool fetch_icon(MrmHierarchy icons, int icon, const char* suffix) {
     const char* const icon_name = gvga_pixmap_names[icon];
     VGA_ASSERT_TEXT(std::strlen(icon_name) < 30, "NB_STRLEN(gvga_pixmap_names[ii]) < 30");
-    const struct {
-        const char* ending;
-        Pixmap* pixmap;
-        int subcode;
-    } images[] = {
-        {"", &gvga_pixmaps[icon], 6},
-        {"i", &gvga_inverted_pixmaps[icon], 7},
-    };
-    for (const auto& image : images) {
-        char literal[64];
-        std::snprintf(literal, sizeof literal, "%.30s%s_icon%s", icon_name, suffix, image.ending);
-        if (MrmFetchIconLiteral(icons, literal, gvga_screen, gvga_display, gvga_foreground,
-                                gvga_background, image.pixmap) != MrmSUCCESS) {
-            *image.pixmap = None;
-            nba_pd_print_problem(0x40020007, image.subcode, "s", "icons");
-            return false;
-        }
+    const Pixel ground = stands_in_window(icon) ? gvga_background : gvga_list_background;
+    gvga_pixmaps[icon] = fetch_image(icons, icon_name, suffix, "", 6, gvga_foreground, ground);
+    if (gvga_pixmaps[icon] == None) {
+        return false;
     }
-    return true;
+    // Inverted, the image's foreground is its ground.
+    gvga_inverted_pixmaps[icon] =
+        fetch_image(icons, icon_name, suffix, "i", 7, gvga_selection, gvga_list_background);
+    return gvga_inverted_pixmaps[icon] != None;
 }
 
 bool load_icons(Size_choice size) {
@@ -173,6 +198,10 @@ bool load_icons(Size_choice size) {
     bool loaded = true;
     for (int icon = 0; loaded && icon < VGA_ICON_COUNT; ++icon) {
         loaded = fetch_icon(icons, icon, size.suffix);
+    }
+    for (int symbol = 0; loaded && symbol < VGA_SYMBOL_COUNT; ++symbol) {
+        gvga_symbols[symbol] = fetch_image(icons, gvga_symbol_names[symbol], size.suffix, "", 6,
+                                           gvga_foreground, gvga_background);
     }
     MrmCloseHierarchy(icons);
     if (!loaded) {
@@ -238,22 +267,26 @@ void compute_metrics() {
     gvga_metrics = m;
 }
 
-void free_pixmaps(Pixmap* pixmaps) {
-    for (int icon = 0; icon < VGA_ICON_COUNT; ++icon) {
-        if (pixmaps[icon] != None) {
-            XFreePixmap(gvga_display, pixmaps[icon]);
-            pixmaps[icon] = None;
+void free_pixmaps(std::span<Pixmap> pixmaps) {
+    for (Pixmap& pixmap : pixmaps) {
+        if (pixmap != None) {
+            XFreePixmap(gvga_display, pixmap);
+            pixmap = None;
         }
     }
 }
 
 } // namespace
 
-bool vga_init_graphics(Widget widget, Widget font_widget) {
-    read_colours(widget);
+bool vga_uses_large_size() {
+    const char size = size_resource();
+    return size == 'b' || (size != 's' && WidthOfScreen(gvga_screen) > LARGE_SCREEN);
+}
+
+bool vga_init_graphics(Widget widget, Widget list) {
+    read_colours(widget, list);
     const Size_choice size = choose_size();
-    gvga_font_set =
-        vga_load_fixed_fontset("*fontName", DEFAULT_FONT, size.font_message, font_widget);
+    gvga_font_set = vga_load_fixed_fontset("*fontName", DEFAULT_FONT, size.font_message, list);
     make_gcs();
     choose_font();
     if (!load_icons(size)) {
@@ -294,7 +327,8 @@ void vga_free_graphics() {
     }
     free_pixmaps(gvga_pixmaps);
     free_pixmaps(gvga_inverted_pixmaps);
-    for (GC* gc : {&gvga_normal_gc, &gvga_inverted_gc, &gvga_outline_gc}) {
+    free_pixmaps(gvga_symbols);
+    for (GC* gc : {&gvga_normal_gc, &gvga_inverted_gc, &gvga_outline_gc, &gvga_selection_gc}) {
         if (*gc != nullptr) {
             XFreeGC(gvga_display, *gc);
             *gc = nullptr;

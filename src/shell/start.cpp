@@ -1,11 +1,15 @@
 #include "shell/start.h"
 
+#include "dialogs/start_stop.h"
 #include "shell/messages.h"
 #include "store/build.h"
 #include "store/store.h"
 #include "ui/framework/dialog.h"
+#include "ui/windows/delete_flow.h"
 #include "ui/windows/node_window.h"
 #include "ui/windows/system_window.h"
+#include "verbs/config.h"
+#include "verbs/manage.h"
 #include "verbs/status.h"
 
 #include <csignal>
@@ -111,6 +115,7 @@ int vga_end(VGA_RUN* run) {
     }
     if (run->frontend) {
         vga_terminate_backend();
+        vga_free_deleting();
         vga_terminate_frontend();
     }
     vga_free(run->vector);
@@ -137,6 +142,9 @@ bool vga_initialise_backend() {
     vga_init_verb_queues();
     vga_install_window_hooks();
     vga_install_status_handlers();
+    vga_install_manage_handlers();
+    vga_install_start_stop_dialogs();
+    vga_install_config_handlers();
     gvga_read_only = 0;
     gvga_system = vga_init_vga_system();
     if (gvga_system == nullptr) {

@@ -178,6 +178,15 @@ void dispatch_copy(VGA_COMPLETION& completion) {
     }
 }
 
+void dispatch_purged(VGA_COMPLETION completion) {
+    if (vcb_header(completion.vcb)->primary_rc == NAP_OK && gvga_dispatch.owner != nullptr) {
+        completion.corr = gvga_dispatch.owner(&completion);
+        if (completion.corr != 0) {
+            dispatch_copy(completion);
+        }
+    }
+}
+
 VGA_QUEUE_ENTRY* first_entry(const NBA_QUEUE& queue) {
     return static_cast<VGA_QUEUE_ENTRY*>(nba_get_q_head(&queue));
 }
@@ -304,6 +313,7 @@ void vga_nof_verb_callback(NB_HANDLE handle, void* vcb, NB_ULONG correlator, int
     VGA_ASSERT_TEXT(entry->issued, "queue_entry->issued");
     nba_remove_from_q(&entry->link);
     if (entry->callback == nullptr) {
+        dispatch_purged(completion);
         issue_waiting(entry->target);
     } else if (header.primary_rc != NAP_UNSUCCESSFUL ||
                header.secondary_rc != NAP_SYSTEM_STOPPING) {

@@ -73,5 +73,9 @@ struct VGA_DISPATCH {
     void (*node_manage)(VGA_COMPLETION*);        // other starts and stops of others
     void (*system_config)(VGA_COMPLETION*);      // domain configuration of others
     void (*node_config)(VGA_COMPLETION*);        // node configuration of others
+    // The handle of the node or system that a completed verb is about, 0 when it has gone. Nobody
+    // waits for a purged verb, but the store needs it: what succeeded goes the way of other
+    // operators' verbs, with this correlator.
+    NB_ULONG (*owner)(const VGA_COMPLETION*) = nullptr;
 };
 extern VGA_DISPATCH gvga_dispatch;

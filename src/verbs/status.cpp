@@ -2,9 +2,11 @@
 #include "verbs/status.h"
 
 #include "nof/connectivity.h"
+#include "nof/ipbridge.h"
 #include "nof/lu62.h"
 #include "nof/pu_lu.h"
 #include "store/checks.h"
+#include "store/store.h"
 #include "ui/framework/dialog.h"
 #include "verbs/status_util.h"
 
@@ -41,6 +43,7 @@ constexpr KIND_ROW kinds[] = {
     {NAP_DOWNSTREAM_LU_INDICATION, vga_process_down_lu_ind, vga_start_check_down_lu},
     {NAP_LOCAL_LU_INDICATION, vga_process_local_lu_ind, vga_start_check_local_lu},
     {NAP_DLUR_PU_INDICATION, vga_process_dlur_pu_ind, vga_start_check_dlur_pu},
+    {NAP_IPBRIDGE_INDICATION, vga_process_ipbridge_ind, vga_start_check_ipbridge_sess},
 };
 static_assert(std::ranges::is_sorted(kinds, {}, &KIND_ROW::opcode));
 
@@ -48,6 +51,7 @@ constexpr std::size_t RESYNC_OFFSET = sizeof(VCB_HEADER); // the same in every k
 static_assert(offsetof(DIRECTORY_INDICATION, resync) == RESYNC_OFFSET);
 static_assert(offsetof(LS_INDICATION, resync) == RESYNC_OFFSET);
 static_assert(offsetof(PU_INDICATION, resync) == RESYNC_OFFSET);
+static_assert(offsetof(IPBRIDGE_INDICATION, resync) == RESYNC_OFFSET);
 
 bool has_window_with_one_row_selected(const vga_node* node) {
     const vga_dialog* window = node->gui_data.node_window;
@@ -64,7 +68,7 @@ void vga_install_status_handlers() {
 }
 
 void vga_indication_handler(VGA_COMPLETION* completion, void* block) {
-    auto* node = static_cast<vga_node*>(nba_validate_handle(completion->corr));
+    vga_node* node = vga_validate_node(completion->corr);
     const NB_USHORT opcode = vcb_header(block)->opcode;
     const auto* row = std::ranges::lower_bound(kinds, opcode, {}, &KIND_ROW::opcode);
     if (node == nullptr || row == std::end(kinds) || row->opcode != opcode) {

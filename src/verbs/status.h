@@ -46,6 +46,7 @@ void vga_process_local_lu_ind(vga_node* node, const void* block);
 void vga_process_plu_ind(vga_node* node, const void* block);
 void vga_process_mode_ind(vga_node* node, const void* block);
 void vga_process_dir_ind(vga_node* node, const void* block);
+void vga_process_ipbridge_ind(vga_node* node, const void* block); // sessions of APPC over IP
 
 // Completions of the queries that indications lead to.
 void vga_check_one_port(VGA_COMPLETION* completion);    // a port that became active

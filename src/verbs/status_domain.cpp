@@ -58,9 +58,23 @@ void report_dead(vga_node* node) {
     }
 }
 
+// Opens files again that were lost while their server stayed.
+void reopen_files() {
+    const VGA_FLAGS opening = gvga_system->build_flags;
+    if (gvga_system->config_file_handle == 0 && (opening & vga_flag(VGA_SYSTEM_USERS)) == 0) {
+        vga_rebuild_system();
+    }
+    if (gvga_system->sna_net_handle == 0 && (opening & vga_flag(VGA_SYSTEM_SNA_NET)) == 0) {
+        vga_rebuild_sna_net();
+    }
+}
+
 void server_up(vga_node* node, NB_ULONG flags) {
     const VGA_SERVER_ROLE role = role_of(flags);
     if (role == node->server_role) {
+        if (role == VGA_ROLE_LOCAL_SERVER) {
+            reopen_files();
+        }
         return;
     }
     if (role == VGA_ROLE_LOCAL_SERVER || node->server_role == VGA_ROLE_LOCAL_SERVER) {
@@ -132,14 +146,9 @@ void vga_process_server_ind(VGA_COMPLETION* completion, void* block) {
     if (nba_validate_handle(completion->corr) == nullptr) {
         return;
     }
-    // Nodes keep their name with zeros behind it, servers may come with blanks.
     NODE_ALL_ENTRY entry{};
     entry.length = sizeof entry;
-    std::size_t length = strnlen(ind.server_name, sizeof ind.server_name);
-    while (length > 0 && ind.server_name[length - 1] == ' ') {
-        --length;
-    }
-    std::memcpy(entry.node_name, ind.server_name, length);
+    vga_copy_node_name(entry.node_name, ind.server_name);
 
     vga_node* node = vga_find_node(entry.node_name);
     if (ind.status != SERVER_UP) {
@@ -150,6 +159,8 @@ void vga_process_server_ind(VGA_COMPLETION* completion, void* block) {
     }
     if (node == nullptr) {
         node = add_server(entry);
+    } else if (node->node_state == VGA_NODE_STATE_BACK_LEVEL && vga_check_node_startup(node)) {
+        vga_start_build_node(node); // it could not be connected before; perhaps it can be now
     }
     if (node != nullptr) {
         server_up(node, ind.flags);

@@ -91,8 +91,9 @@ void vga_process_port_ind(vga_node* node, const void* block) {
 void vga_check_one_port(VGA_COMPLETION* completion) {
     const VCB_HEADER* vcb = vcb_header(completion->vcb);
     auto* node = static_cast<vga_node*>(nba_validate_handle(completion->corr));
+    // The port may have been deleted meanwhile.
     if (!VGA_ASSERT(vcb->opcode == NAP_QUERY_PORT) || node == nullptr ||
-        (vcb->primary_rc == NAP_UNSUCCESSFUL && vcb->secondary_rc == NAP_TARGET_GONE)) {
+        vcb->primary_rc != NAP_OK) {
         return;
     }
     vga_port* last;

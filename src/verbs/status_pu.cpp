@@ -5,6 +5,7 @@
 #include "store/build.h"
 #include "store/remove.h"
 #include "store/store.h"
+#include "store/tracking.h"
 #include "ui/viewer/viewer_type.h"
 #include "verbs/status_util.h"
 
@@ -106,6 +107,7 @@ void vga_process_dlur_pu_ind(vga_node* node, const void* block) {
     const bool changed =
         this_pu->start_pending != 0 || (ind.dlur_active == 1) != (entry.state != 0) ||
         entry.dlur_active != ind.dlur_active || entry.dlur_status != ind.dlur_status;
+    entry.state = ind.dlur_active == 1;
     entry.dlur_active = ind.dlur_active;
     entry.dlur_status = ind.dlur_status;
     entry.dlur_parameter1 = ind.dlur_parameter1;
@@ -137,7 +139,7 @@ void vga_process_lu03_ind(vga_node* node, const void* block) {
         }
         return;
     }
-    LU03_DETAIL& detail = lu->vcb.det_data;
+    LU03_DETAIL detail = lu->vcb.det_data;
     if (lu->user_query != 0 || lu03_state(ind) == lu03_state(detail)) {
         return;
     }
@@ -156,7 +158,9 @@ void vga_process_lu03_ind(vga_node* node, const void* block) {
     detail.plu_session_active = ind.plu_session_active;
     if (use_changed) {
         std::memset(&detail.application, 0, sizeof detail.application);
+        detail.app_type = NAP_NO_APPLICATION;
     }
+    vga_take_lu03_detail(lu, detail);
     redraw(lu);
 }
 
@@ -167,7 +171,7 @@ void vga_process_lu03_user(VGA_COMPLETION* completion) {
     }
     lu->user_query = 0;
     if (const LU03_ENTRY* entry = answered_entry(lu, completion->vcb); entry != nullptr) {
-        lu->vcb.det_data = entry->det_data;
+        vga_take_lu03_detail(lu, entry->det_data);
         redraw(lu);
     }
 }

@@ -1,4 +1,5 @@
 // Indications of partner LUs, of sessions, of the directory and of APPC over IP.
+#include "nof/ipbridge.h"
 #include "nof/lu62.h"
 #include "shell/globals.h"
 #include "store/remove.h"
@@ -44,7 +45,7 @@ vga_plu* partner_of(vga_lu62* lu, const MODE_INDICATION& ind) {
         plu->check_mark = 0;
         return plu;
     }
-    if (ind.change == WENT || (lu->checking != 0 && ind.act_sess_count == 0)) {
+    if (ind.change == WENT || (lu->checking != VGA_LU62_UNCHECKED && ind.act_sess_count == 0)) {
         return nullptr;
     }
     return make_partner(lu, ind.plu_name, nullptr);
@@ -56,7 +57,7 @@ vga_mode* mode_of(vga_plu* plu, const MODE_ENTRY& entry) {
         mode->check_mark = 0;
         return mode;
     }
-    if (plu->parent->checking != 0 && entry.act_sess_count == 0) {
+    if (plu->parent->checking != VGA_LU62_UNCHECKED && entry.act_sess_count == 0) {
         return nullptr;
     }
     mode = vga_init_vga_mode(plu, &entry);
@@ -70,9 +71,12 @@ bool count_sessions(vga_lu62* lu, vga_plu* plu, const MODE_ENTRY& entry) {
         return false;
     }
     const NB_LONG count = entry.act_sess_count;
-    if (lu->checking != 0 && count == 0) {
-        lu->act_sess_count = 0;
-        vga_delete_vga_plu(plu, true);
+    if (lu->checking != VGA_LU62_UNCHECKED && count == 0) {
+        vga_count_lu62_sessions(lu, -mode->act_sess_count);
+        vga_delete_vga_mode(mode, true);
+        if (plu->mode_tree.root == nullptr) { // else its other sessions stay
+            vga_delete_vga_plu(plu, true);
+        }
     } else {
         vga_count_lu62_sessions(lu, count - mode->act_sess_count);
         mode->act_sess_count = count;
@@ -90,10 +94,19 @@ void end_mode(vga_lu62* lu, vga_plu* plu, const NB_BYTE* mode_name) {
     }
 }
 
-// True when the sessions run to another node, one that is known by name.
-bool is_remote(const vga_node* node, const MODE_ENTRY& entry) {
-    return entry.cp_known == 1 && entry.cp_name[0] != 0 &&
+// True when the sessions run to another node, one that is known by name. Those of dependent LUs run
+// through their host.
+bool is_remote(const vga_node* node, const vga_lu62* lu, const MODE_ENTRY& entry) {
+    return lu->vcb.def.nau_address == 0 && entry.cp_known == 1 && entry.cp_name[0] != 0 &&
            vga_compare_ebc17(entry.cp_name, node->vcb.parameters.cp_name) != 0;
+}
+
+// A part of an indication is left to the list that is being made. When pages of that kind have come
+// already, it may not be in those that follow.
+void list_again_behind(vga_lu62* lu, VGA_LU62_CHECK pages) {
+    if (lu->checking >= pages) {
+        lu->checking = VGA_LU62_AGAIN;
+    }
 }
 
 } // namespace
@@ -101,7 +114,13 @@ bool is_remote(const vga_node* node, const MODE_ENTRY& entry) {
 void vga_process_plu_ind(vga_node* node, const void* block) {
     const auto& ind = *static_cast<const PLU_INDICATION*>(block);
     auto* lu = vga_status_find<vga_lu62>(node->lu62_tree, ind.lu_name);
-    if (lu == nullptr || lu->checking != 0) {
+    // While the LU is listed again, what comes is listed, too, unless the list has passed its place;
+    // what goes may have been listed before.
+    if (lu == nullptr) {
+        return;
+    }
+    if (lu->checking != VGA_LU62_UNCHECKED && ind.change != WENT) {
+        list_again_behind(lu, VGA_LU62_PARTNERS);
         return;
     }
     if (ind.change != WENT) {
@@ -135,8 +154,13 @@ void vga_process_mode_ind(vga_node* node, const void* block) {
     } else if (!count_sessions(lu, plu, entry)) {
         return;
     }
-    if (lu->checking == 0 && is_remote(node, entry)) {
+    if (!is_remote(node, lu, entry)) {
+        return;
+    }
+    if (lu->checking == VGA_LU62_UNCHECKED) {
         vga_track_rem_sessions(lu, &entry); // sets exit code 1 itself
+    } else { // the list of modes brings the sessions with other systems
+        list_again_behind(lu, VGA_LU62_MODES);
     }
 }
 
@@ -187,5 +211,27 @@ void vga_process_dir_ind(vga_node* node, const void* block) {
     NTL_AVL_TREE* tree;
     if (vga_find_directory_entry(node, ind.resource_name, ind.resource_type, &dir, &tree)) {
         vga_delete_vga_dir(dir, true);
+    }
+}
+
+void vga_process_ipbridge_ind(vga_node* node, const void* block) {
+    const auto& ind = *static_cast<const IPBRIDGE_INDICATION*>(block);
+    if (!VGA_ASSERT_TEXT(ind.indication_type == 0, "FALSE")) {
+        return;
+    }
+    if (ind.change == NOF_IPBRIDGE_ENDED) {
+        auto* sess =
+            vga_status_find<vga_appcip_sess>(node->appcip_id_tree, &ind.session.session_id);
+        if (sess != nullptr) {
+            vga_delete_vga_appcip_sess(sess, true);
+        }
+        return;
+    }
+    IPBRIDGE_APPCIP_ENTRY entry{};
+    entry.length = sizeof entry;
+    entry.state = ind.change;
+    entry.session = ind.session;
+    if (vga_appcip_sess* sess = vga_init_vga_appcip_sess(node, &entry); sess != nullptr) {
+        vga_insert_vga_appcip_sess(sess, node);
     }
 }

@@ -126,6 +126,27 @@ TEST_F(VerbQueue, APurgedVerbHoldsItsTargetBackUntilItCompletes) {
     EXPECT_EQ(completed, (CORRELATORS{13, 12}));
 }
 
+TEST_F(VerbQueue, APurgedDefinitionThatSucceedsGoesTheWayOfOtherOperators) {
+    static NB_ULONG owner;
+    gvga_dispatch.node_config = note_other;
+    gvga_dispatch.owner = [](const VGA_COMPLETION* completion) {
+        EXPECT_EQ(1u, completion->handle);
+        return owner;
+    };
+    const auto purged = [] {
+        void* block = define_port(1, 7);
+        vga_purge_verb_queue(0, 0, nullptr, 7, nullptr);
+        return block;
+    };
+    owner = 5;
+    answer(purged());
+    EXPECT_EQ(std::vector<NB_ULONG>{1005}, completed);
+    answer(purged(), NAP_PARAMETER_CHECK); // the node did not take it
+    owner = 0;                             // the node has gone
+    answer(purged());
+    EXPECT_EQ(1u, completed.size());
+}
+
 TEST_F(VerbQueue, DisconnectPassesABarrier) {
     define_port(1, 11);
     vga_purge_verb_queue(1, 0, nullptr, 0, nullptr);
