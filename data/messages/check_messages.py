@@ -104,7 +104,7 @@ def text_problems(number, text):
     for (column, part), (following, _) in zip(row, row[1:]):
         if following <= column:
             yield f"column {following} does not follow column {column}"
-        elif part and column + len(part) >= following:
+        elif part and column + len(part.rstrip()) >= following:
             yield f"{part!r} runs into column {following}"
 
 

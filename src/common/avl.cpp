@@ -238,6 +238,14 @@ template <typename Side, typename Other> void* neighbour(const Node* node) {
     return parent != nullptr ? parent->self : nullptr;
 }
 
+// Hangs a node below one that has no child on that side.
+void hang(Tree* tree, Node* parent, Node* node, bool left) {
+    node->parent = parent;
+    node->l_height = node->r_height = 0;
+    (left ? parent->left : parent->right) = node;
+    ntl_avl_balance_tree(tree, parent, left, 1);
+}
+
 } // namespace
 
 bool ntl_avl_insert(NTL_AVL_TREE* tree, NTL_AVL_NODE* node) {
@@ -276,11 +284,25 @@ bool ntl_avl_insert(NTL_AVL_TREE* tree, NTL_AVL_NODE* node) {
             tree->first = node;
         }
     }
-    node->parent = parent;
-    node->l_height = node->r_height = 0;
-    (order < 0 ? parent->left : parent->right) = node;
-    ntl_avl_balance_tree(tree, parent, order < 0, 1);
+    hang(tree, parent, node, order < 0);
     return true;
+}
+
+void ntl_avl_insert_behind(NTL_AVL_TREE* tree, NTL_AVL_NODE* node, NTL_AVL_NODE* before) {
+    if (!VGA_ASSERT(!AVL_IN_TREE(*node)) || !VGA_ASSERT(AVL_IN_TREE(*before))) {
+        return;
+    }
+    Node* next = before->right;
+    if (next == nullptr) {
+        if (tree->last == before) {
+            tree->last = node;
+        }
+        return hang(tree, before, node, false);
+    }
+    while (next->left != nullptr) {
+        next = next->left;
+    }
+    hang(tree, next, node, true);
 }
 
 void ntl_avl_delete(NTL_AVL_TREE* tree, NTL_AVL_NODE* node) {

@@ -40,6 +40,9 @@ inline void ntl_avl_init_tree(NTL_AVL_TREE* tree, NTL_AVL_COMPARE compare) {
 
 // True when inserted; false when an equal key is there already (tree and node unchanged).
 bool ntl_avl_insert(NTL_AVL_TREE* tree, NTL_AVL_NODE* node);
+// The same without a search, for a caller that knows the place from another tree of the same order:
+// the node, whose key is in no record of the tree, comes directly behind before, which is in it.
+void ntl_avl_insert_behind(NTL_AVL_TREE* tree, NTL_AVL_NODE* node, NTL_AVL_NODE* before);
 // Takes a node out of the tree it is in.
 void ntl_avl_delete(NTL_AVL_TREE* tree, NTL_AVL_NODE* node);
 // The record of an equal key, or null.

@@ -23,7 +23,7 @@ namespace {
 
 struct TEST_DIALOG {
     vga_dialog common;
-    Widget name;
+    char own[1024]; // what a test keeps behind the common part
 };
 
 std::string uid_name(const vga_dialog* dialog) {

@@ -176,6 +176,8 @@ TEST_F(Helpers, ColoursReachMenusAndToggles) {
     Pixel field = 0;
     XtVaGetValues(find("syswText"), XmNbackground, &field, nullptr);
     ASSERT_NE(field, grey);
+    Pixel mark = 0;
+    XtVaGetValues(find("syswToggle"), XmNselectColor, &mark, nullptr);
     gvga_background = grey;
     gvga_foreground = black;
     vga_set_tool_colours(main_window->widget);
@@ -190,6 +192,11 @@ TEST_F(Helpers, ColoursReachMenusAndToggles) {
         EXPECT_EQ(background, expected) << name;
         EXPECT_EQ(foreground, black) << name;
     }
+    // The tool's toggles keep the colour of the resources.
+    Pixel own = 0;
+    XtVaGetValues(find("syswToggle"), XmNselectColor, &own, nullptr);
+    EXPECT_EQ(own, mark);
+    vga_set_colours(find("syswToggle"), grey, black);
     XColor select{};
     XtVaGetValues(find("syswToggle"), XmNselectColor, &select.pixel, nullptr);
     XQueryColor(gvga_display, DefaultColormapOfScreen(gvga_screen), &select);

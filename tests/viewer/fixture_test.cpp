@@ -125,7 +125,9 @@ void make_icon_file(const std::string& module, const std::string& suffix,
     uil << "module " << module << "\nvalue\n"
         << "dark : color_table(background color = ' ', foreground color = '*');\n"
         << "light : color_table(background color = '*', foreground color = ' ');\n";
-    for (const std::string& name : names) {
+    std::vector<std::string> all = names;
+    all.insert(all.end(), std::begin(gvga_symbol_names), std::end(gvga_symbol_names));
+    for (const std::string& name : all) {
         const bool box = name == "plus" || name == "minus";
         const int size = (box ? 9 : 16) + (suffix.empty() ? 0 : 8);
         for (const char* inverse : {"", "i"}) {
@@ -183,7 +185,7 @@ void Viewer_test::SetUp() {
     button = XtVaCreateManagedWidget(
         "rows", xmDrawnButtonWidgetClass, scrolled, XmNshadowThickness, 0, XmNhighlightThickness, 0,
         XmNmarginWidth, 0, XmNmarginHeight, 0, XmNnavigationType, XmTAB_GROUP, XmNbackground,
-        gvga_background, XmNforeground, gvga_foreground, nullptr);
+        gvga_list_background, XmNforeground, gvga_foreground, nullptr);
     h_bar = XtVaCreateWidget("h", xmScrollBarWidgetClass, scrolled, XmNorientation, XmHORIZONTAL,
                              nullptr);
     v_bar = XtVaCreateWidget("v", xmScrollBarWidgetClass, scrolled, XmNorientation, XmVERTICAL,

@@ -87,6 +87,37 @@ TEST_F(Graphics_test, size_and_its_fallbacks) {
     }
 }
 
+TEST_F(Graphics_test, labels_know_the_size_before_the_icons_are_loaded) {
+    const bool wide = WidthOfScreen(gvga_screen) > 1024;
+    for (const auto& [size, large] :
+         {std::pair{"big", true}, {"small", false}, {"huge", wide}, {"", wide}}) {
+        set({{"Tessaly*size", size}});
+        EXPECT_EQ(large, vga_uses_large_size()) << size;
+    }
+}
+
+TEST_F(Graphics_test, icons_stand_on_the_ground_they_are_drawn_on) {
+    Widget list = XtVaCreateWidget("list", xmDrawnButtonWidgetClass, gvga_toplevel, nullptr);
+    Pixel grey = 0;
+    XmGetColors(gvga_screen, DefaultColormapOfScreen(gvga_screen), WhitePixelOfScreen(gvga_screen),
+                nullptr, nullptr, &grey, nullptr);
+    XtVaSetValues(list, XmNbackground, grey, XmNhighlightColor, BlackPixelOfScreen(gvga_screen),
+                  nullptr);
+    set({{"Tessaly*size", "small"}});
+    ASSERT_TRUE(vga_init_graphics(label, list));
+    const auto ground = [](Pixmap pixmap) { // a pixel beside the drawing
+        XImage* image = XGetImage(gvga_display, pixmap, 5, 3, 1, 1, AllPlanes, ZPixmap);
+        const Pixel pixel = XGetPixel(image, 0, 0);
+        XDestroyImage(image);
+        return pixel;
+    };
+    EXPECT_EQ(grey, gvga_list_background);
+    EXPECT_EQ(BlackPixelOfScreen(gvga_screen), gvga_selection);
+    EXPECT_EQ(grey, ground(gvga_pixmaps[VGA_ICON_BLANK]));
+    EXPECT_EQ(WhitePixelOfScreen(gvga_screen), ground(gvga_pixmaps[VGA_ICON_STOP]));
+    XtDestroyWidget(list);
+}
+
 TEST_F(Graphics_test, metrics_follow_from_font_and_icons) {
     set({{"Tessaly*size", "small"}});
     ASSERT_TRUE(vga_init_graphics(label, label));
@@ -109,7 +140,7 @@ TEST_F(Graphics_test, metrics_follow_from_font_and_icons) {
     EXPECT_EQ(WhitePixelOfScreen(gvga_screen), values.foreground);
     XGetGCValues(gvga_display, gvga_outline_gc, mask, &values);
     EXPECT_EQ(GXxor, values.function);
-    EXPECT_EQ(gvga_foreground ^ gvga_background, values.foreground);
+    EXPECT_EQ(gvga_selection ^ gvga_list_background, values.foreground);
     EXPECT_EQ(LineOnOffDash, values.line_style);
 }
 

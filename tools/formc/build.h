@@ -39,6 +39,7 @@ struct Builder {
     Columns* columns = nullptr; // of the rows being built
     std::deque<Columns> all_columns{};
     std::map<std::string, int> accelerators{}; // key to line
+    std::map<char, int> mnemonics{};           // of a dialog's fields and buttons
     // Arguments whose value is a position that is known only when all rows are.
     struct Pending {
         Object* object;

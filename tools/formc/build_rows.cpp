@@ -71,8 +71,7 @@ Object& captioned(Builder& b, const Statement& s, std::string_view type) {
     if (!s.label)
         s.fail("'" + s.keyword + "' needs a label");
     Object& object = b.make_named(s, type);
-    std::map<char, int> own;
-    set_caption(s, object, own);
+    set_caption(s, object, b.mnemonics);
     return object;
 }
 
@@ -140,9 +139,19 @@ constexpr std::array pieces{PieceKind{"text", field_piece},    PieceKind{"toggle
 Piece side_by_side(Builder& b, const Statement& s, const std::vector<Piece>& parts, int spacing) {
     if (parts.size() == 1)
         return parts[0];
-    Object& box = column_box(b, s, spacing).set("XmNorientation", "XmHORIZONTAL");
+    // A form: a row column would not let a field grow.
+    Object& box = b.make(s, "XmForm", "");
     int width = 0;
     for (const Piece& part : parts) {
+        part.object->set("XmNtopAttachment", "XmATTACH_FORM")
+            .set("XmNbottomAttachment", "XmATTACH_FORM");
+        if (box.children.empty()) {
+            part.object->set("XmNleftAttachment", "XmATTACH_FORM");
+        } else {
+            part.object->set("XmNleftAttachment", "XmATTACH_WIDGET")
+                .set("XmNleftWidget", box.children.back()->name)
+                .set("XmNleftOffset", spacing);
+        }
         box.children.push_back(part.object);
         width += part.width + spacing;
     }
@@ -173,8 +182,8 @@ Object& finish_row(Builder& b, const Statement& s, Object& row, Piece piece, boo
         if (span)
             s.fail("a row that spans the columns has no label");
         const Caption c = caption(s);
+        // The program finds the field of a mnemonic behind its label.
         Object& label = b.make(s, "XmLabel", s.text("label"))
-                            .set("XmNlabelString", uil_label(c.text))
                             .set("XmNalignment", "XmALIGNMENT_END")
                             .set("XmNrightAttachment", "XmATTACH_POSITION")
                             .set("XmNrightOffset", space::gap)
@@ -182,6 +191,7 @@ Object& finish_row(Builder& b, const Statement& s, Object& row, Piece piece, boo
                             .set("XmNtopWidget", field.name)
                             .set("XmNbottomAttachment", "XmATTACH_OPPOSITE_WIDGET")
                             .set("XmNbottomWidget", field.name);
+        set_caption(s, label, b.mnemonics);
         b.place(label, "XmNrightPosition");
         label.managed = field.managed;
         b.columns->label = std::max(b.columns->label, label_width(c.text) + space::gap);

@@ -22,10 +22,7 @@ void show_domain_window(NB_USHORT dialog_id) {
         vga_raise_dialog(dialog);
         return;
     }
-    vga_dialog* dialog = nullptr;
-    if (vga_get_dialog(dialog_id, gvga_main_dialog, gvga_system, &dialog)) {
-        vga_display_dialog(dialog);
-    }
+    vga_open_dialog(dialog_id, gvga_main_dialog, gvga_system, VGA_OPEN_ADD);
 }
 
 void show_if_configured(Widget widget, NB_USHORT dialog_id) {

@@ -77,9 +77,9 @@ Widget make_shell(const VGA_UID_DESC& row, const vga_dialog* parent) {
         return XtVaAppCreateShell(XtName(gvga_toplevel), "Tessaly", applicationShellWidgetClass,
                                   gvga_display, XmNdeleteResponse, XmDO_NOTHING, nullptr);
     }
-    return XtVaCreatePopupShell(row.uid_name, xmDialogShellWidgetClass,
-                                parent != nullptr ? parent->shell : gvga_toplevel,
-                                XmNdeleteResponse, XmDO_NOTHING, nullptr);
+    return XtVaCreatePopupShell(
+        row.uid_name, xmDialogShellWidgetClass, parent != nullptr ? parent->shell : gvga_toplevel,
+        XmNdeleteResponse, XmDO_NOTHING, XmNmwmDecorations, VGA_DIALOG_DECORATIONS, nullptr);
 }
 
 void destroy_shell(Widget shell, Widget widget) {
@@ -153,6 +153,10 @@ void dress(vga_dialog* dialog) {
         vga_multi_byte_resize(dialog->widget);
     }
     vga_define_tabbing_order(dialog->widget, nullptr);
+    if (row_of(dialog).kind != VGA_KIND_WINDOW) {
+        vga_fit_fields(dialog->widget);
+        vga_install_mnemonics(dialog->widget);
+    }
 }
 
 vga_dialog* make_dialog(NB_USHORT dialog_id, vga_dialog* parent) {
@@ -264,6 +268,15 @@ bool vga_get_dialog(NB_USHORT dialog_id, vga_dialog* parent, void* parent_item,
     return true;
 }
 
+void vga_open_dialog(NB_USHORT dialog_id, vga_dialog* parent, void* record, VGA_OPEN how) {
+    vga_dialog* dialog = nullptr;
+    if (dialog_id <= VGA_UID_MAX && gvga_uid_desc[dialog_id].open != nullptr) {
+        gvga_uid_desc[dialog_id].open(parent, record, how);
+    } else if (vga_get_dialog(dialog_id, parent, record, &dialog)) {
+        vga_display_dialog(dialog);
+    }
+}
+
 void vga_display_dialog(vga_dialog* dialog) {
     if (gvga_display_names) {
         name_title(dialog);
@@ -273,6 +286,7 @@ void vga_display_dialog(vga_dialog* dialog) {
     } else {
         XtManageChild(dialog->widget);
     }
+    vga_set_window_icon(dialog, dialog->shell);
     vga_display_hourglass(false);
 }
 

@@ -1,7 +1,12 @@
 // The only file of the framework that knows the windows and dialogs.
 #include "ui/framework/dialog_table.h"
 
+#include "dialogs/node_config.h"
+#include "dialogs/cpic.h"
+#include "dialogs/start_stop.h"
+#include "ui/windows/cpic_window.h"
 #include "ui/windows/node_window.h"
+#include "ui/windows/system_window.h"
 
 namespace {
 
@@ -14,16 +19,35 @@ constexpr VGA_UID_DESC row(NB_USHORT dialog_id, const char* uid_name, NB_ULONG k
     return desc;
 }
 
+// A dialog with a field table.
+template <typename Dialog, std::size_t callback_count>
+constexpr VGA_UID_DESC form(NB_USHORT dialog_id, const char* uid_name, NB_ULONG kind,
+                            bool (*get_widgets)(vga_dialog*), bool (*close_proc)(vga_dialog*, bool),
+                            const VGA_NAMED_CALLBACK (&callbacks)[callback_count],
+                            void (*open)(vga_dialog*, void*, VGA_OPEN) = nullptr) {
+    VGA_UID_DESC desc = row(dialog_id, uid_name, kind);
+    desc.get_widgets = get_widgets;
+    desc.close_proc = close_proc;
+    desc.callbacks = callbacks;
+    desc.callback_count = callback_count;
+    desc.size = sizeof(Dialog);
+    desc.open = open;
+    return desc;
+}
+
 } // namespace
 
 constexpr std::array<VGA_UID_DESC, VGA_UID_MAX + 1> gvga_uid_desc = {{
-    row(VGA_UID_SYSTEM_WINDOW, "sysw", VGA_KIND_WINDOW),
+    {VGA_UID_SYSTEM_WINDOW, "sysw", vga_get_widgets_system_window, vga_sysw_close_proc, nullptr,
+     vga_sysw_zoom, nullptr, gvga_sysw_callbacks, gvga_sysw_callback_count, gvga_sysw_actions,
+     gvga_sysw_action_count, VGA_KIND_WINDOW, sizeof(vga_system_window), vga_sysw_focus_widget},
     {VGA_UID_NODE_WINDOW, "nodew", vga_get_widgets_node_window, vga_nodew_close_proc,
      vga_nodew_delete, vga_nodew_zoom, vga_nodew_add_items, gvga_nodew_callbacks,
      gvga_nodew_callback_count, gvga_nodew_actions, gvga_nodew_action_count, VGA_KIND_WINDOW,
      sizeof(vga_node_window), vga_nodew_focus_widget},
     row(VGA_UID_LU62_DIALOG, "lu62d", VGA_KIND_DIALOG),
-    row(VGA_UID_NODE_DIALOG, "noded", VGA_KIND_DIALOG),
+    form<vga_node_dialog>(VGA_UID_NODE_DIALOG, "noded", VGA_KIND_DIALOG, vga_get_widgets_node_conf,
+                          vga_noded_close_proc, gvga_noded_callbacks, vga_open_node_dialog),
     row(VGA_UID_LLC2_PORT_DIALOG, "llc2p", VGA_KIND_DIALOG),
     row(VGA_UID_LLC2_LS_DIALOG, "llc2l", VGA_KIND_DIALOG),
     row(VGA_UID_LU03_DIALOG, "lu32d", VGA_KIND_DIALOG),
@@ -36,8 +60,12 @@ constexpr std::array<VGA_UID_DESC, VGA_UID_MAX + 1> gvga_uid_desc = {{
     row(VGA_UID_POOL_WINDOW, "poolw", VGA_KIND_WINDOW),
     row(VGA_UID_POOL_DIALOG, "poold", VGA_KIND_DIALOG),
     row(VGA_UID_DSLU_DIALOG, "dslud", VGA_KIND_DIALOG),
-    row(VGA_UID_CPIC_WINDOW, "cpicw", VGA_KIND_WINDOW),
-    row(VGA_UID_CPIC_DIALOG, "cpicd", VGA_KIND_DIALOG),
+    {VGA_UID_CPIC_WINDOW, "cpicw", vga_get_widgets_cpic_window, vga_cpicw_close_proc,
+     vga_cpicw_delete, vga_cpicw_modify, vga_cpicw_add, gvga_cpicw_callbacks,
+     std::size(gvga_cpicw_callbacks), gvga_cpicw_actions, std::size(gvga_cpicw_actions),
+     VGA_KIND_WINDOW, sizeof(vga_list_window), vga_list_focus_widget, vga_open_cpic_window},
+    form<vga_cpic_dialog>(VGA_UID_CPIC_DIALOG, "cpicd", VGA_KIND_DIALOG, vga_get_widgets_cpic,
+                          vga_cpicd_close_proc, gvga_cpicd_callbacks, vga_open_cpic_dialog),
     row(VGA_UID_MODE_WINDOW, "modew", VGA_KIND_DIALOG),
     row(VGA_UID_MODE_DIALOG, "moded", VGA_KIND_DIALOG),
     row(VGA_UID_RJEW_WINDOW, "rjeww", VGA_KIND_WINDOW),
@@ -69,8 +97,10 @@ constexpr std::array<VGA_UID_DESC, VGA_UID_MAX + 1> gvga_uid_desc = {{
     row(VGA_UID_SL_SECURITY_DIALOG, "slscd", VGA_KIND_DIALOG),
     row(VGA_UID_ABOUT_BOX, "about", VGA_KIND_SUB_DIALOG),
     row(VGA_UID_POOL_CTX_ADD_DIALOG, "pctxd", VGA_KIND_DIALOG),
-    row(VGA_UID_STOP_LS_DIALOG, "stopl", VGA_KIND_SUB_DIALOG),
-    row(VGA_UID_START_LS_DIALOG, "strtl", VGA_KIND_SUB_DIALOG),
+    form<vga_ls_choice_dialog>(VGA_UID_STOP_LS_DIALOG, "stopl", VGA_KIND_SUB_DIALOG,
+                               vga_stopl_get_widgets, vga_stopl_close_proc, gvga_stopl_callbacks),
+    form<vga_ls_choice_dialog>(VGA_UID_START_LS_DIALOG, "strtl", VGA_KIND_SUB_DIALOG,
+                               vga_strtl_get_widgets, vga_strtl_close_proc, gvga_strtl_callbacks),
     row(VGA_UID_LEAD_DIALOG, "leadd", VGA_KIND_SUB_DIALOG),
     row(VGA_UID_PORT_DET_DIALOG, "ports", VGA_KIND_DIALOG),
     row(VGA_UID_LINK_DET_DIALOG, "links", VGA_KIND_DIALOG),
@@ -82,7 +112,8 @@ constexpr std::array<VGA_UID_DESC, VGA_UID_MAX + 1> gvga_uid_desc = {{
     row(VGA_UID_CHNL_LS_ADV_DIALOG, "cadvl", VGA_KIND_SUB_DIALOG),
     row(VGA_UID_TN_ASSOC_DIALOG, "tnasd", VGA_KIND_DIALOG),
     row(VGA_UID_TN_DEFAULTS_DIALOG, "tndfd", VGA_KIND_DIALOG),
-    row(VGA_UID_NODE_ADV_DIALOG, "nodea", VGA_KIND_SUB_DIALOG),
+    form<vga_node_adv_dialog>(VGA_UID_NODE_ADV_DIALOG, "nodea", VGA_KIND_SUB_DIALOG,
+                              vga_get_widgets_node_adv, vga_nodea_close_proc, gvga_nodea_callbacks),
     row(VGA_UID_HPR_WINDOW, "hprw", VGA_KIND_WINDOW),
     row(VGA_UID_RTP_CONN_STATUS_DIALOG, "rtpd", VGA_KIND_DIALOG),
     row(VGA_UID_LS_ROUTING_DIALOG, "lsrd", VGA_KIND_DIALOG),

@@ -23,6 +23,12 @@ enum VGA_DIALOG_KIND : NB_ULONG {
     VGA_KIND_SUB_DIALOG = 2, // application modal
 };
 
+enum VGA_OPEN : NB_BYTE { // why a dialog is opened
+    VGA_OPEN_ADD,         // to add to the record
+    VGA_OPEN_PROPERTIES,  // to look at and change the record
+    VGA_OPEN_COPY,        // to add another like the record
+};
+
 struct VGA_UID_DESC { // a row of the dialog table
     NB_USHORT dialog_id;
     const char* uid_name; // of the widget to fetch; at most 13 characters
@@ -40,7 +46,9 @@ struct VGA_UID_DESC { // a row of the dialog table
     NB_USHORT size; // of the descriptor
     // The widget that gets the keyboard back when a child or message box of the dialog closes;
     // none: the toolkit decides.
-    Widget (*focus_widget)(vga_dialog* dialog);
+    Widget (*focus_widget)(vga_dialog* dialog) = nullptr;
+    // Opens the dialog for a record, or raises it; none: what there is is shown as it is.
+    void (*open)(vga_dialog* parent, void* record, VGA_OPEN how) = nullptr;
 };
 extern const std::array<VGA_UID_DESC, VGA_UID_MAX + 1> gvga_uid_desc;
 // Every descriptor ever made for a row, open or closed.
@@ -52,5 +60,7 @@ extern const VGA_NAMED_CALLBACK gvga_common_callbacks[VGA_COMMON_CALLBACK_COUNT]
 void vga_register_callbacks(const VGA_NAMED_CALLBACK* callbacks, std::size_t count);
 void vga_register_common_callbacks();
 
+// Opens the dialog of a row for a record. Who calls it need not know the dialog.
+void vga_open_dialog(NB_USHORT dialog_id, vga_dialog* parent, void* record, VGA_OPEN how);
 // Shows a node's window, opening it when there is none.
 void vga_show_node_window(vga_node* node);

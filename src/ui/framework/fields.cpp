@@ -4,12 +4,13 @@
 #include "common/names.h"
 #include "ui/framework/dialog.h"
 
-#include <Xm/Text.h>
+#include <Xm/XmAll.h>
 
 #include <algorithm>
 #include <cstdlib>
 #include <string>
 #include <string_view>
+#include <vector>
 
 namespace {
 
@@ -28,26 +29,17 @@ std::string field_text(Widget field, std::size_t width) {
     return result;
 }
 
-template <typename... Arguments>
-bool refuse(vga_dialog* dialog, Widget field, const vga_field_error& error, const char* kinds,
-            Arguments... arguments) {
-    vga_display_error_dialog(dialog, error.message, error.help_tag, nullptr, 0, kinds,
-                             arguments...);
-    XmProcessTraversal(field, XmTRAVERSE_CURRENT);
-    return false;
-}
-
 // Compares in 64 bits, so that neither a sign nor an overflow can slip into the range.
 template <typename Number>
 bool check_number(vga_dialog* dialog, Widget field, Number minimum, Number maximum,
                   const vga_field_error& empty, const vga_field_error& range, Number* value) {
     const std::string text = field_text(field, number_width);
     if (text.empty()) {
-        return refuse(dialog, field, empty, "");
+        return vga_refuse_field(dialog, field, empty);
     }
     const long long number = std::strtoll(text.c_str(), nullptr, 10);
     if (number < minimum || number > maximum) {
-        return refuse(dialog, field, range, "l l", minimum, maximum);
+        return vga_refuse_field(dialog, field, range, "l l", minimum, maximum);
     }
     *value = static_cast<Number>(number);
     return true;
@@ -82,7 +74,7 @@ int vga_get_hex_field(vga_dialog* dialog, Widget field, NB_BYTE* bytes, int max_
     VGA_ASSERT(200 >= max_len * 2);
     const std::string text = field_text(field, static_cast<std::size_t>(max_len) * 2);
     if (text.size() % 2 != 0 || !all_hex(text)) {
-        refuse(dialog, field, odd, "");
+        vga_refuse_field(dialog, field, odd);
         return -1;
     }
     for (std::size_t i = 0; i < text.size(); i += 2) {
@@ -99,16 +91,16 @@ bool vga_get_node_id(vga_dialog* dialog, Widget block_field, Widget id_field,
     const std::string id = field_text(id_field, id_width);
     if (block.empty() && id.empty()) {
         if (empty.message != 0) {
-            return refuse(dialog, block_field, empty, "");
+            return vga_refuse_field(dialog, block_field, empty);
         }
         std::fill_n(node_id, 4, 0);
         return true;
     }
     if (block.size() != block_width || !all_hex(block)) {
-        return refuse(dialog, block_field, format, "");
+        return vga_refuse_field(dialog, block_field, format);
     }
     if (id.size() != id_width || !all_hex(id)) {
-        return refuse(dialog, id_field, format, "");
+        return vga_refuse_field(dialog, id_field, format);
     }
     const unsigned long number = std::strtoul((block + id).c_str(), nullptr, 16);
     for (int i = 0; i < 4; ++i) {
@@ -135,4 +127,34 @@ bool vga_buildw_fq_name(Widget network_field, Widget name_field, NB_BYTE* fq_nam
     }
     put_name(name.empty() ? network : network + "." + name, fq_name);
     return true;
+}
+
+namespace {
+
+void take_name(Widget, XtPointer text, XtPointer call_data) {
+    const auto* call = static_cast<const XmSelectionBoxCallbackStruct*>(call_data);
+    char* name = static_cast<char*>(XmStringUnparse(call->value, nullptr, XmCHARSET_TEXT,
+                                                    XmCHARSET_TEXT, nullptr, 0, XmOUTPUT_ALL));
+    if (name != nullptr) {
+        XmTextSetString(static_cast<Widget>(text), name);
+        XtFree(name);
+    }
+}
+
+} // namespace
+
+void vga_offer_names(Widget text, std::span<const std::string> names) {
+    Widget board = vga_get_popup_list(text, take_name, text, !names.empty());
+    std::vector<XmString> items;
+    for (const std::string& name : names) {
+        items.push_back(XmStringCreateLocalized(const_cast<char*>(name.c_str())));
+    }
+    if (!items.empty()) {
+        XtVaSetValues(board, XmNlistItems, items.data(), XmNlistItemCount,
+                      static_cast<int>(items.size()), nullptr);
+    }
+    XtManageChild(board);
+    for (XmString item : items) {
+        XmStringFree(item);
+    }
 }

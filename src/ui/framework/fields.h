@@ -4,7 +4,13 @@
 
 #include "nba/nba.h"
 
+#include "ui/framework/message_box.h"
+
 #include <X11/Intrinsic.h>
+#include <Xm/Xm.h>
+
+#include <span>
+#include <string>
 
 struct vga_dialog;
 
@@ -12,6 +18,17 @@ struct vga_field_error {
     int message; // number; 0: none
     const char* help_tag;
 };
+
+// Shows an error (message number, kinds and arguments as in vga_print_msg) and gives a field the
+// focus. Always false.
+template <typename... Arguments>
+bool vga_refuse_field(vga_dialog* dialog, Widget field, const vga_field_error& error,
+                      const char* kinds = "", Arguments... arguments) {
+    vga_display_error_dialog(dialog, error.message, error.help_tag, nullptr, 0, kinds,
+                             arguments...);
+    XmProcessTraversal(field, XmTRAVERSE_CURRENT);
+    return false;
+}
 
 // Reads a decimal number: leading digits count, what follows is ignored. False, with *value
 // unchanged, for an empty field or a number outside minimum to maximum; the range message gets the
@@ -37,3 +54,7 @@ bool vga_get_node_id(vga_dialog* dialog, Widget block_field, Widget id_field,
 bool vga_build_fq_name(Widget network_field, Widget name_field, NB_BYTE* fq_name);
 // The same, but a network name may stand alone, and two empty fields give blanks.
 bool vga_buildw_fq_name(Widget network_field, Widget name_field, NB_BYTE* fq_name);
+
+// Offers names in a list over a text field; the one chosen is put into the field. Without names the
+// operator may type one instead.
+void vga_offer_names(Widget text, std::span<const std::string> names);

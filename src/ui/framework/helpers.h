@@ -5,6 +5,7 @@
 #include "nba/nba.h"
 
 #include <X11/Intrinsic.h>
+#include <Xm/MwmUtil.h>
 
 struct vga_dialog;
 
@@ -22,11 +23,29 @@ vga_dialog* vga_dialog_of(Widget widget);
 
 // ---- colours and spacing ----
 void vga_set_colours(Widget widget, Pixel background, Pixel foreground);
-// The tool's own colours for a tree; texts and lists keep the field colour of the resources.
+// The tool's own colours for a tree; texts, lists, scroll bars and the marks of toggles keep those
+// of the resources.
 void vga_set_tool_colours(Widget widget);
 // Takes space out of margins and gaps, so that the taller text of multibyte locales fits.
 void vga_multi_byte_resize(Widget widget);
+// Makes text fields as wide as the characters that they are to hold. The toolkit takes a mean width
+// for that, which is less than a character of some sizes of fixed fonts.
+void vga_fit_fields(Widget widget);
 void vga_remove_scrollbars(Widget scrolled_window);
+
+// ---- window manager ----
+// A dialog cannot be an icon of its own and needs no other size than its own; one that can be
+// resized has handles all the same.
+inline constexpr int VGA_DIALOG_DECORATIONS =
+    MWM_DECOR_BORDER | MWM_DECOR_RESIZEH | MWM_DECOR_TITLE | MWM_DECOR_MENU;
+// Gives a realized shell of a dialog (its own, or its message box's) the icon of the window that
+// the dialog belongs to, once.
+void vga_set_window_icon(const vga_dialog* dialog, Widget shell);
+
+// ---- mnemonics ----
+// Alt and the mnemonic of a label give the focus to the field behind it; those of a button or
+// toggle activate it. For dialogs, whose widgets are complete; menus have their own.
+void vga_install_mnemonics(Widget top);
 
 // ---- OK, Apply, Cancel, Help ----
 enum VGA_BUTTON { VGA_BUTTON_OK, VGA_BUTTON_CANCEL, VGA_BUTTON_HELP };

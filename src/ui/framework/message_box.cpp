@@ -1,6 +1,7 @@
 #include "ui/framework/message_box.h"
 
 #include "common/alloc.h"
+#include "shell/graphics.h"
 #include "shell/messages.h"
 #include "shell/start.h"
 #include "ui/framework/common_actions.h"
@@ -31,12 +32,13 @@ struct MODAL_MESSAGE { // one message, shown or waiting
 
 struct LOOK { // of the box, by kind
     int title, ok_label;
-    unsigned char type;
+    unsigned char type; // for the toolkit's own symbol, while there is no other
+    VGA_SYMBOL symbol;
 };
 constexpr LOOK looks[] = {
-    {VGA_TEXT_ERROR_TITLE, VGA_TEXT_OK, XmDIALOG_ERROR},
-    {VGA_TEXT_INFO_TITLE, VGA_TEXT_OK, XmDIALOG_INFORMATION},
-    {VGA_TEXT_CONFIRM_TITLE, VGA_TEXT_YES, XmDIALOG_QUESTION},
+    {VGA_TEXT_ERROR_TITLE, VGA_TEXT_OK, XmDIALOG_ERROR, VGA_SYMBOL_ERROR},
+    {VGA_TEXT_INFO_TITLE, VGA_TEXT_OK, XmDIALOG_INFORMATION, VGA_SYMBOL_INFO},
+    {VGA_TEXT_CONFIRM_TITLE, VGA_TEXT_YES, XmDIALOG_QUESTION, VGA_SYMBOL_QUESTION},
 };
 
 XmString text_string(int message) {
@@ -108,7 +110,8 @@ void make_box(vga_dialog* dialog) {
     vga_modal_dlg& modal = dialog->modal_dlg;
     const XtPointer handle = vga_handle_data(dialog->handle);
     modal.shell = XtVaCreatePopupShell("errorDialogShell", xmDialogShellWidgetClass, dialog->shell,
-                                       XmNdeleteResponse, XmDO_NOTHING, nullptr);
+                                       XmNdeleteResponse, XmDO_NOTHING, XmNmwmDecorations,
+                                       VGA_DIALOG_DECORATIONS, nullptr);
     XmString ok = text_string(VGA_TEXT_OK);
     XmString cancel = text_string(VGA_TEXT_CANCEL);
     XmString help = text_string(VGA_TEXT_HELP);
@@ -149,6 +152,9 @@ void show(vga_dialog* dialog, const MODAL_MESSAGE& message) {
     set_string(box.dialog, XmNdialogTitle, look.title);
     set_string(box.dialog, XmNokLabelString, look.ok_label);
     XtVaSetValues(box.dialog, XmNdialogType, look.type, XmNmessageString, message.message, nullptr);
+    if (gvga_symbols[look.symbol] != None) {
+        XtVaSetValues(box.dialog, XmNsymbolPixmap, gvga_symbols[look.symbol], nullptr);
+    }
     XmStringFree(message.message);
     manage(box.cancel_button, confirms);
     manage(box.ok_to_all_button, confirms && message.ok_to_all);
@@ -163,6 +169,7 @@ void show(vga_dialog* dialog, const MODAL_MESSAGE& message) {
         XtRealizeWidget(box.dialog);
     }
     XtManageChild(box.dialog);
+    vga_set_window_icon(dialog, box.shell);
     box.open = 1;
 }
 

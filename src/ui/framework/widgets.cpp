@@ -4,7 +4,6 @@
 #include "ui/framework/widget_tree.h"
 
 #include <string>
-#include <utility>
 #include <vector>
 
 namespace {
@@ -20,6 +19,12 @@ void halve(Widget widget, const char* resource) {
     Dimension value = 0;
     XtVaGetValues(widget, resource, &value, nullptr);
     XtVaSetValues(widget, resource, static_cast<Dimension>(value / 2), nullptr);
+}
+
+bool holds_forms(Widget widget) {
+    bool found = false;
+    vga_for_each_below(widget, [&](Widget each) { found |= XmIsForm(each); });
+    return found;
 }
 
 } // namespace
@@ -71,29 +76,78 @@ void vga_set_tool_colours(Widget widget) {
     if (gvga_background == gvga_foreground) {
         return; // the first window's widgets make the graphics
     }
-    std::vector<std::pair<Widget, Pixel>> fields;
+    // Fields, lists, scroll bars and the marks of toggles keep theirs.
+    struct KEPT {
+        Widget widget;
+        const char* resource;
+        Pixel colour;
+    };
+    std::vector<KEPT> kept;
     vga_for_each_below(widget, [&](Widget each) {
-        if (XmIsText(each) || XmIsTextField(each) || XmIsList(each)) {
-            Pixel background = 0;
-            XtVaGetValues(each, XmNbackground, &background, nullptr);
-            fields.emplace_back(each, background);
+        const auto keep = [&](const char* resource) {
+            Pixel colour = 0;
+            XtVaGetValues(each, resource, &colour, nullptr);
+            kept.push_back({each, resource, colour});
+        };
+        if (XmIsText(each) || XmIsTextField(each) || XmIsList(each) || XmIsDrawnButton(each)) {
+            keep(XmNbackground);
+        } else if (XmIsScrollBar(each)) {
+            for (const char* resource :
+                 {XmNbackground, XmNtroughColor, XmNtopShadowColor, XmNbottomShadowColor}) {
+                keep(resource);
+            }
+        } else if (XmIsToggleButton(each)) {
+            keep(XmNselectColor);
+            keep(XmNunselectColor);
         }
     });
     vga_set_colours(widget, gvga_background, gvga_foreground);
-    for (const auto& [field, background] : fields) {
-        XtVaSetValues(field, XmNbackground, background, nullptr);
+    for (const KEPT& each : kept) {
+        XtVaSetValues(each.widget, each.resource, each.colour, nullptr);
     }
+    vga_for_each_below(widget, [](Widget each) { // the focus, which took the foreground
+        if (XmIsPrimitive(each) || XmIsManager(each)) {
+            XtVaSetValues(each, XmNhighlightColor, gvga_selection, nullptr);
+        }
+    });
 }
 
 void vga_multi_byte_resize(Widget widget) {
     vga_for_each_below(widget, [](Widget each) {
         if (XmIsRowColumn(each)) {
-            halve(each, XmNspacing);
-            halve(each, XmNmarginHeight);
+            // It would lay forms out by the size they have, which is none before they are realized.
+            if (!holds_forms(each)) {
+                halve(each, XmNspacing);
+                halve(each, XmNmarginHeight);
+            }
         } else if (XmIsBulletinBoard(each)) { // forms and message boxes
             halve(each, XmNmarginHeight);
         } else if (XmIsText(each) || XmIsTextField(each) || XmIsLabel(each)) {
             halve(each, XmNmarginHeight);
+        }
+    });
+}
+
+void vga_fit_fields(Widget widget) {
+    vga_for_each_below(widget, [](Widget each) {
+        if (!XmIsTextField(each)) {
+            return;
+        }
+        short columns = 0;
+        XmRenderTable table = nullptr;
+        Dimension width = 0;
+        Dimension margin = 0;
+        Dimension shadow = 0;
+        Dimension highlight = 0;
+        XtVaGetValues(each, XmNcolumns, &columns, XmNrenderTable, &table, XmNwidth, &width,
+                      XmNmarginWidth, &margin, XmNshadowThickness, &shadow, XmNhighlightThickness,
+                      &highlight, nullptr);
+        std::string widest(static_cast<std::size_t>(columns), '0');
+        XmString text = XmStringCreateLocalized(widest.data());
+        const int needed = XmStringWidth(table, text) + 2 * (margin + shadow + highlight);
+        XmStringFree(text);
+        if (width < needed) {
+            XtVaSetValues(each, XmNwidth, static_cast<Dimension>(needed), nullptr);
         }
     });
 }

@@ -71,7 +71,7 @@ void vga_draw_viewer(vga_viewer_root* root, vga_viewer* viewer, int y) {
         XClearArea(display, window, 0, y, width, height, False);
     }
     if (viewer->selected) {
-        XFillRectangle(display, window, gvga_normal_gc, 0, y, width, height);
+        XFillRectangle(display, window, gvga_selection_gc, 0, y, width, height);
     }
     GC gc = viewer->selected ? gvga_inverted_gc : gvga_normal_gc;
 

@@ -1,6 +1,8 @@
 #include "ui/viewer/viewer_type.h"
 
+#include "ui/windows/cpic_window.h"
 #include "ui/windows/node_window_rows.h"
+#include "ui/windows/system_window_rows.h"
 
 // The functions of a row that are named after its kind and its window.
 #define TEXT(kind) vga_create_##kind##_viewer_text, vga_choose_##kind##_viewer_icon
@@ -41,11 +43,13 @@ const VGA_VIEWER_DESC gvga_viewer_desc[VGA_VIEWER_TYPE_COUNT] = {
     // VGA_VIEWER_POOL
     {none, none, 1, none, none, none, none, none, none, 1, 0, 1, none},
     // VGA_VIEWER_CPIC
-    {none, none, 1, none, none, none, none, none, none, 0, 0, 1, none},
+    {TEXT(cpic), 1, ARM(cpicw, cpic), ACT(cpicw, cpic), none, none,
+     SELECT(cpicw), 0, 0, 1, none},
     // VGA_VIEWER_MODE_DEF
     {none, none, 1, none, none, none, none, none, none, 0, 0, 1, none},
     // VGA_VIEWER_NODE
-    {none, none, 1, none, none, none, none, none, none, 0, 0, 1, none},
+    {TEXT(node), 1, ARM(sysw, node), ACT(sysw, node), DRAG(sysw, node), none,
+     SELECT(sysw), 0, 0, 1, none},
     // VGA_VIEWER_RJE
     {none, none, 1, none, none, none, none, none, none, 0, 0, 1, none},
     // VGA_VIEWER_LS_NO_PU

@@ -4,6 +4,7 @@
 #include "store/store.h"
 #include "ui/windows/node_window_internal.h"
 #include "ui/windows/node_window_rows.h"
+#include "verbs/manage.h"
 
 #include <X11/keysym.h>
 #include <Xm/PushB.h>
@@ -46,11 +47,9 @@ vga_node_window* usable_window(Widget widget) {
 
 // ---- dialogs ----
 
-void open_dialog(vga_node_window* window, NB_USHORT dialog_id, void* record) {
-    vga_dialog* dialog = nullptr;
-    if (vga_get_dialog(dialog_id, &window->common, record, &dialog)) {
-        vga_display_dialog(dialog);
-    }
+void open_dialog(vga_node_window* window, NB_USHORT dialog_id, void* record,
+                 VGA_OPEN how = VGA_OPEN_ADD) {
+    vga_open_dialog(dialog_id, &window->common, record, how);
 }
 
 void open_for_node(Widget widget, NB_USHORT dialog_id, NEEDS needs) {
@@ -85,15 +84,15 @@ const LINK_DIALOGS* dialogs_of(const vga_port* port) {
     return VGA_ASSERT_TEXT(row != std::end(link_dialogs), "FALSE") ? row : nullptr;
 }
 
-void open_port(vga_node_window* window, vga_port* port) {
+void open_port(vga_node_window* window, vga_port* port, VGA_OPEN how) {
     if (const LINK_DIALOGS* dialogs = dialogs_of(port)) {
-        open_dialog(window, dialogs->port, port);
+        open_dialog(window, dialogs->port, port, how);
     }
 }
 
-void open_ls(vga_node_window* window, vga_ls* ls) {
+void open_ls(vga_node_window* window, vga_ls* ls, VGA_OPEN how) {
     if (const LINK_DIALOGS* dialogs = dialogs_of(ls->parent)) {
-        open_dialog(window, dialogs->ls, ls);
+        open_dialog(window, dialogs->ls, ls, how);
     }
 }
 
@@ -105,38 +104,39 @@ void vga_nodew_zoom_or_copy(vga_node_window* window, bool copy) {
         !check_needs(window, type == VGA_VIEWER_NODE ? NEEDS::NOTHING : NEEDS::CONFIGURATION)) {
         return;
     }
+    const VGA_OPEN how = copy ? VGA_OPEN_COPY : VGA_OPEN_PROPERTIES;
     switch (type) {
     case VGA_VIEWER_NODE:
         VGA_ASSERT(!copy);
-        return open_dialog(window, VGA_UID_NODE_DIALOG, record);
+        return open_dialog(window, VGA_UID_NODE_DIALOG, record, how);
     case VGA_VIEWER_LU62:
-        return open_dialog(window, VGA_UID_LU62_DIALOG, record);
+        return open_dialog(window, VGA_UID_LU62_DIALOG, record, how);
     case VGA_VIEWER_PORT:
-        return open_port(window, static_cast<vga_port*>(record));
+        return open_port(window, static_cast<vga_port*>(record), how);
     case VGA_VIEWER_LS:
     case VGA_VIEWER_LS_NO_PU:
-        return open_ls(window, static_cast<vga_ls*>(record));
+        return open_ls(window, static_cast<vga_ls*>(record), how);
     case VGA_VIEWER_LOCAL_PU:
         if (vga_ls* ls = static_cast<vga_pu*>(record)->ls_entry) {
-            return open_ls(window, ls);
+            return open_ls(window, ls, how);
         }
-        return open_dialog(window, VGA_UID_PU_DIALOG, record);
+        return open_dialog(window, VGA_UID_PU_DIALOG, record, how);
     case VGA_VIEWER_DEPLU:
         return open_dialog(window, vga_is_lu62(record) ? VGA_UID_LU62_DIALOG : VGA_UID_LU03_DIALOG,
-                           record);
+                           record, how);
     case VGA_VIEWER_DOWN_LU:
-        return open_dialog(window, VGA_UID_DSLU_DIALOG, record);
+        return open_dialog(window, VGA_UID_DSLU_DIALOG, record, how);
     case VGA_VIEWER_REM_SYS:
-        return open_dialog(window, VGA_UID_REMOTE_NODE_DIALOG, record);
+        return open_dialog(window, VGA_UID_REMOTE_NODE_DIALOG, record, how);
     case VGA_VIEWER_REM_PLU:
     case VGA_VIEWER_REM_PLU_NO_SESS:
-        return open_dialog(window, VGA_UID_PLU_DEF_DIALOG, record);
+        return open_dialog(window, VGA_UID_PLU_DEF_DIALOG, record, how);
     case VGA_VIEWER_LS_R:
-        return open_dialog(window, VGA_UID_LS_ROUTING_DIALOG, record);
+        return open_dialog(window, VGA_UID_LS_ROUTING_DIALOG, record, how);
     case VGA_VIEWER_PRIMARY_LINE:
-        return open_dialog(window, VGA_UID_LULI_DIALOG, record);
+        return open_dialog(window, VGA_UID_LULI_DIALOG, record, how);
     case VGA_VIEWER_PRIMARY_LU0:
-        return open_dialog(window, VGA_UID_LULU_DIALOG, record);
+        return open_dialog(window, VGA_UID_LULU_DIALOG, record, how);
     default:
         VGA_ASSERT_TEXT(false, "FALSE");
     }
@@ -160,6 +160,16 @@ void not_available(Widget widget) {
     if (vga_node_window* window = usable_window(widget)) {
         tell(window, 1452, "");
     }
+}
+
+// The selected record, to start or stop it; null without one, and when the operator was told that
+// it is not allowed.
+void* record_to_change(vga_node_window* window, NB_BYTE* type) {
+    if (gvga_read_only) {
+        vga_display_error_dialog(&window->common, 607, "readonly", nullptr, 0, "s", "sna");
+        return nullptr;
+    }
+    return vga_nodew_get_selection(&window->common, type, nullptr, nullptr);
 }
 
 // ---- one callback per menu entry and button ----
@@ -271,10 +281,60 @@ void vga_nodew_cn(Widget widget, XtPointer, XtPointer) {
 }
 
 void vga_nodew_start(Widget widget, XtPointer, XtPointer) {
-    not_available(widget);
+    vga_node_window* window = usable_window(widget);
+    NB_BYTE type;
+    void* record = window != nullptr ? record_to_change(window, &type) : nullptr;
+    if (record == nullptr) {
+        return;
+    }
+    switch (type) {
+    case VGA_VIEWER_NODE:
+        return vga_nodew_start_node(static_cast<vga_node*>(record));
+    case VGA_VIEWER_PORT:
+        return vga_nodew_init_start_port(static_cast<vga_port*>(record));
+    case VGA_VIEWER_LS:
+    case VGA_VIEWER_LS_NO_PU:
+        return vga_nodew_start_ls(static_cast<vga_ls*>(record));
+    case VGA_VIEWER_LOCAL_PU:
+        return vga_nodew_start_pu(static_cast<vga_pu*>(record));
+    case VGA_VIEWER_LU62:
+    case VGA_VIEWER_DEPLU:
+    case VGA_VIEWER_MODE:
+        return open_dialog(window, VGA_UID_ACTIVATE_SESS_DIALOG, record);
+    case VGA_VIEWER_DOWN_LU:
+        vga_issue_define_downstream_lu(static_cast<vga_down_lu*>(record),
+                                       vga_define_downstream_lu_cb);
+        return;
+    default:
+        VGA_ASSERT_TEXT(false, "FALSE");
+    }
 }
+
 void vga_nodew_stop(Widget widget, XtPointer, XtPointer) {
-    not_available(widget);
+    vga_node_window* window = usable_window(widget);
+    NB_BYTE type;
+    void* record = window != nullptr ? record_to_change(window, &type) : nullptr;
+    if (record == nullptr) {
+        return;
+    }
+    switch (type) {
+    case VGA_VIEWER_NODE:
+        return vga_stop_node(static_cast<vga_node*>(record), &window->common);
+    case VGA_VIEWER_PORT:
+        return vga_nodew_stop_port(static_cast<vga_port*>(record));
+    case VGA_VIEWER_LS:
+    case VGA_VIEWER_LS_NO_PU:
+        return vga_nodew_stop_ls(static_cast<vga_ls*>(record));
+    case VGA_VIEWER_LOCAL_PU:
+        return vga_nodew_stop_pu(static_cast<vga_pu*>(record));
+    case VGA_VIEWER_LU62:
+    case VGA_VIEWER_DEPLU:
+        return vga_nodew_deact_all_lu_sessions(static_cast<vga_lu62*>(record));
+    case VGA_VIEWER_MODE:
+        return vga_nodew_deact_lu_lu_mode_sessions(static_cast<vga_mode*>(record));
+    default:
+        VGA_ASSERT_TEXT(false, "FALSE");
+    }
 }
 
 void vga_nodew_copy(Widget widget, XtPointer, XtPointer) {
@@ -353,10 +413,6 @@ void vga_nodew_zoom(Widget widget, XtPointer, XtPointer) {
     if (window != nullptr && window->zoom_ok) {
         vga_nodew_zoom_or_copy(window, false);
     }
-}
-
-void vga_nodew_delete(Widget widget, XtPointer, XtPointer) {
-    not_available(widget);
 }
 
 void vga_nodew_server_key(Widget widget, XtPointer, XEvent* event, Boolean*) {

@@ -1,6 +1,5 @@
 // What can be done with the selection, and the message bar, which says so for the button under the
 // pointer.
-#include "shell/graphics.h"
 #include "shell/messages.h"
 #include "store/store.h"
 #include "ui/windows/node_window_internal.h"
@@ -8,7 +7,7 @@
 
 #include <algorithm>
 
-const std::array<VGA_NODEW_TOOL, VGA_NODEW_BUTTON_COUNT> vga_nodew_tools = {{
+const std::array<VGA_TOOL<vga_node_window>, VGA_NODEW_BUTTON_COUNT> vga_nodew_tools = {{
     {&vga_node_window::button_start, &vga_node_window::button_start_icon,
      &vga_node_window::menu_item_start, VGA_ICON_START, VGA_ICON_STARTINS},
     {&vga_node_window::button_stop, &vga_node_window::button_stop_icon,
@@ -246,25 +245,6 @@ NAME_FIELD name_of(NB_BYTE type, const void* record) {
     }
 }
 
-// The tool a widget belongs to, or none of them.
-const VGA_NODEW_TOOL* tool_of(const vga_node_window* window, Widget widget) {
-    const auto tool = std::ranges::find_if(vga_nodew_tools, [&](const VGA_NODEW_TOOL& each) {
-        return window->*each.icon == widget || window->*each.frame == widget;
-    });
-    return tool != vga_nodew_tools.end() ? tool : nullptr;
-}
-
-// Takes the help of a button back that has become insensitive under the pointer: it gets no leave
-// event any more.
-void check_current_button(vga_node_window* window) {
-    if (gvga_current_button == nullptr || tool_of(window, gvga_current_button) == nullptr ||
-        XtIsSensitive(gvga_current_button)) {
-        return;
-    }
-    gvga_current_button = nullptr;
-    vga_message_node_window(&window->common, 0);
-}
-
 } // namespace
 
 VGA_NODEW_STATES vga_nodew_button_states(const vga_node* node, NB_BYTE type, NB_LONG count,
@@ -299,12 +279,20 @@ void vga_nodew_set_button_states(vga_dialog* dialog) {
     VGA_NODEW_STATES states = vga_nodew_button_states(vga_nodew_node(window), type, count, record);
     states.sensitive[VGA_NODEW_ADD] = window->selected_pane != nullptr;
     window->zoom_ok = states.zoom_ok;
-    for (std::size_t i = 0; i < vga_nodew_tools.size(); ++i) {
-        const VGA_NODEW_TOOL& tool = vga_nodew_tools[i];
-        vga_set_sensitive(window->*tool.frame, states.sensitive[i]);
-        vga_set_sensitive(window->*tool.menu_item, states.sensitive[i]);
+    vga_set_tools(window, vga_nodew_tools, states.sensitive);
+    if (vga_lost_current_tool(window, vga_nodew_tools)) {
+        vga_message_node_window(dialog, 0);
     }
-    check_current_button(window);
+}
+
+void vga_nodew_print_name(int message, NB_BYTE type, const void* record, char* text) {
+    const NAME_FIELD name = name_of(type, record);
+    if (name.kind == NAME::TEXT) {
+        vga_print_msg(text, gvga_messages[message], "s", name.field);
+    } else {
+        vga_print_msg(text, gvga_messages[message], name.kind == NAME::EBCDIC ? "es" : "cs",
+                      name.length, name.field);
+    }
 }
 
 void vga_nodew_button_help(VGA_NODEW_BUTTON button, NB_BYTE type, NB_LONG count, const void* record,
@@ -322,23 +310,12 @@ void vga_nodew_button_help(VGA_NODEW_BUTTON button, NB_BYTE type, NB_LONG count,
     if (row == std::end(help_rows) || row->messages[button] == 0) {
         return;
     }
-    const char* message = gvga_messages[row->messages[button]];
-    const NAME_FIELD name = name_of(type, record);
-    if (name.kind == NAME::TEXT) {
-        vga_print_msg(text, message, "s", name.field);
-    } else {
-        vga_print_msg(text, message, name.kind == NAME::EBCDIC ? "es" : "cs", name.length,
-                      name.field);
-    }
-}
-
-void vga_nodew_set_message_bar(vga_node_window* window, const char* text) {
-    XtVaSetValues(window->message_bar, XmNvalue, text, nullptr);
+    vga_nodew_print_name(row->messages[button], type, record, text);
 }
 
 void vga_message_node_window(vga_dialog* dialog, int message) {
-    vga_nodew_set_message_bar(vga_as_node_window(dialog),
-                              message != 0 ? gvga_messages[message] : "");
+    vga_set_message_bar(vga_as_node_window(dialog)->message_bar,
+                        message != 0 ? gvga_messages[message] : "");
 }
 
 void vga_nodew_enter_button(Widget widget, XEvent*, String*, Cardinal*) {
@@ -346,8 +323,8 @@ void vga_nodew_enter_button(Widget widget, XEvent*, String*, Cardinal*) {
     if (window == nullptr || !window->built) {
         return;
     }
-    const VGA_NODEW_TOOL* tool = tool_of(window, widget);
-    if (tool == nullptr) {
+    const int tool = vga_tool_index(window, vga_nodew_tools, widget);
+    if (tool < 0) {
         return;
     }
     gvga_current_button = widget;
@@ -355,9 +332,8 @@ void vga_nodew_enter_button(Widget widget, XEvent*, String*, Cardinal*) {
     NB_LONG count;
     const void* record = vga_nodew_get_selection(&window->common, &type, &count, nullptr);
     char text[2 * VGA_MESSAGE_BUFFER_SIZE];
-    vga_nodew_button_help(static_cast<VGA_NODEW_BUTTON>(tool - vga_nodew_tools.data()), type, count,
-                          record, text);
-    vga_nodew_set_message_bar(window, text);
+    vga_nodew_button_help(static_cast<VGA_NODEW_BUTTON>(tool), type, count, record, text);
+    vga_set_message_bar(window->message_bar, text);
 }
 
 void vga_nodew_leave_button(Widget widget, XEvent*, String*, Cardinal*) {

@@ -19,29 +19,10 @@ namespace {
 
 // ---- colours ----
 
-// Shows a pane, or the node area, in its normal colours or in the reverse ones: the form and the
-// labels that stand in it.
+// Shows a pane, or the node area, in its normal colours or in the reverse ones.
 void paint_pane(const vga_node_window* window, Widget pane, bool selected) {
-    const Pixel background = selected ? window->pane_foreground : window->pane_background;
-    const Pixel foreground = selected ? window->pane_background : window->pane_foreground;
-    const int icon = pane == window->server ? VGA_ICON_TERMINAL : VGA_ICON_KEY;
-    const auto paint = [&](Widget widget) {
-        XmChangeColor(widget, background);
-        XtVaSetValues(widget, XmNforeground, foreground, nullptr);
-    };
-    paint(pane);
-    vga_for_each_child(pane, [&](Widget child) {
-        if (!XmIsLabel(child)) {
-            return;
-        }
-        paint(child);
-        unsigned char type = XmSTRING;
-        XtVaGetValues(child, XmNlabelType, &type, nullptr);
-        if (type == XmPIXMAP) {
-            XtVaSetValues(child, XmNlabelPixmap,
-                          selected ? gvga_inverted_pixmaps[icon] : gvga_pixmaps[icon], nullptr);
-        }
-    });
+    vga_paint_pane(pane, window->pane_background, window->pane_foreground,
+                   pane == window->server ? VGA_ICON_TERMINAL : VGA_ICON_KEY, selected);
 }
 
 // ---- sashes ----

@@ -1,25 +1,15 @@
 // The widgets of the node window: looking them up in the tree that the UID file describes, and
 // dressing them.
-#include "common/assert.h"
-#include "shell/globals.h"
-#include "shell/graphics.h"
 #include "ui/framework/common_actions.h"
 #include "ui/windows/node_window_internal.h"
 
 #include <Xm/XmAll.h>
 
-#include <algorithm>
-
 namespace {
 
-struct WIDGET_ROW {
-    Widget vga_node_window::*field;
-    const char* name;
-    const char* missing; // the invariant that it exists
-};
 #define FIELD(field, name)                                                                         \
     { &vga_node_window::field, "*nodew" name, "desc->" #field " != NULL" }
-constexpr WIDGET_ROW fields[] = {
+constexpr VGA_WIDGET_ROW<vga_node_window> fields[] = {
     FIELD(server, "ServerForm"),
     FIELD(text_server, "ServerTextButton"),
     FIELD(icon_server, "ServerIconButton"),
@@ -70,6 +60,9 @@ constexpr WIDGET_ROW fields[] = {
     FIELD(tool_bar, "ToolbarRowColumn"),
 };
 #undef FIELD
+
+constexpr int first_columns = 90;
+constexpr int first_rows = 30;
 
 // Widgets that only need to know their window.
 constexpr const char* others[] = {
@@ -126,30 +119,9 @@ constexpr const char* others[] = {
     "nodewMenuRJECascade",
 };
 
-bool find_widgets(vga_node_window* window) {
-    bool complete = true;
-    for (const WIDGET_ROW& row : fields) {
-        Widget widget = XtNameToWidget(window->common.widget, row.name);
-        window->*row.field = widget;
-        if (VGA_ASSERT_TEXT(widget != nullptr, row.missing)) {
-            XtVaSetValues(widget, XmNuserData, window, nullptr);
-        } else {
-            complete = false;
-        }
-    }
-    for (const char* name : others) {
-        complete &= vga_put_widget_context(&window->common, name) != nullptr;
-    }
-    return complete;
-}
-
-// Takes away what this system does not offer.
 void remove_menu_items(const vga_node_window* window) {
     const bool domain = gvga_supported[VGA_SUPPORT_CLIENT_SERVER];
-    const struct {
-        const char* name;
-        bool offered;
-    } items[] = {
+    const VGA_MENU_ITEM items[] = {
         {"nodewMenuCPICButton", gvga_supported[VGA_SUPPORT_CPIC] != 0},
         {"nodewMenuCPICWinButton", gvga_supported[VGA_SUPPORT_CPIC] != 0},
         {"nodewMenuRJECascade", gvga_supported[VGA_SUPPORT_RJE] != 0},
@@ -162,11 +134,7 @@ void remove_menu_items(const vga_node_window* window) {
         {"nodewMenuDomainWinButton", domain},
         {"nodewMenuWinSep", domain},
     };
-    for (const auto& item : items) {
-        if (!item.offered) {
-            XtUnmanageChild(vga_name_widget(window->common.widget, item.name, nullptr));
-        }
-    }
+    vga_remove_menu_items(&window->common, items);
 }
 
 void set_icons(const vga_node_window* window) {
@@ -178,27 +146,14 @@ void set_icons(const vga_node_window* window) {
         XtAddCallback(window->*pane.form, XmNhelpCallback, vga_help_cb,
                       const_cast<char*>(pane.help));
     }
-    for (const VGA_NODEW_TOOL& tool : vga_nodew_tools) {
-        vga_put_widget_pixmap(window->*tool.icon, tool.normal);
-        XtVaSetValues(window->*tool.icon, XmNlabelInsensitivePixmap, gvga_pixmaps[tool.insensitive],
-                      nullptr);
-    }
-}
-
-void set_initial_size(const vga_node_window* window) {
-    constexpr int columns = 90;
-    constexpr int rows = 30;
-    const int width = std::min(columns * gvga_metrics.char_width, WidthOfScreen(gvga_screen));
-    const int height = std::min(rows * gvga_metrics.item_height, HeightOfScreen(gvga_screen));
-    XtVaSetValues(window->common.shell, XmNwidth, static_cast<Dimension>(width), XmNheight,
-                  static_cast<Dimension>(height), nullptr);
+    vga_put_tool_pixmaps(window, vga_nodew_tools);
 }
 
 } // namespace
 
 bool vga_get_widgets_node_window(vga_dialog* dialog) {
     vga_node_window* window = vga_as_node_window(dialog);
-    if (!find_widgets(window)) {
+    if (!vga_find_widgets(window, fields, others)) {
         return false;
     }
     if (!gvga_supported[VGA_SUPPORT_CLIENT_SERVER] &&
@@ -208,7 +163,7 @@ bool vga_get_widgets_node_window(vga_dialog* dialog) {
     set_icons(window);
     remove_menu_items(window);
     XtVaSetValues(dialog->widget, XmNmessageWindow, window->message_bar, nullptr);
-    set_initial_size(window);
+    vga_set_first_size(dialog, first_columns, first_rows);
     vga_nodew_add_sash_menu(window);
     return true;
 }

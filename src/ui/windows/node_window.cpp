@@ -9,10 +9,11 @@
 #include "store/store.h"
 #include "ui/framework/widget_tree.h"
 #include "ui/framework/window_menu.h"
+#include "ui/windows/delete_flow.h"
 #include "ui/windows/node_window_internal.h"
+#include "ui/windows/system_window.h"
+#include "verbs/manage.h"
 #include "verbs/status.h"
-
-#include <X11/Xatom.h>
 
 #include <algorithm>
 #include <cstdio>
@@ -22,7 +23,6 @@ namespace {
 // ---- texts of the window ----
 
 constexpr int loading_text = 884;
-constexpr int loading_help = 876;
 constexpr int window_title = 10;
 
 struct NODE_STATE_TEXT {
@@ -38,10 +38,6 @@ constexpr NODE_STATE_TEXT state_texts[] = {
 int state_message(const vga_node* node) {
     const auto* row = std::ranges::find(state_texts, node->node_state, &NODE_STATE_TEXT::state);
     return VGA_ASSERT_TEXT(row != std::end(state_texts), "FALSE") ? row->message : loading_text;
-}
-
-void set_title(const vga_node_window* window, const char* title, const char* icon_name) {
-    XtVaSetValues(window->common.shell, XmNtitle, title, XmNiconName, icon_name, nullptr);
 }
 
 struct NODE_NAME { // as terminated text
@@ -204,26 +200,6 @@ vga_node_window* window_of(vga_node* node) {
     return window;
 }
 
-// The first window while its node is being read.
-void show_waiting(vga_node_window* window) {
-    set_title(window, gvga_messages[loading_text], gvga_messages[loading_text]);
-    vga_close_children(&window->common, false, true);
-    vga_message_node_window(&window->common, loading_help);
-    XtVaSetValues(window->message_bar, XmNeditable, False, nullptr);
-    vga_set_sensitive(window->common.widget, false);
-}
-
-// Lets other programs see that the window shows its node.
-void mark_ready(const vga_node_window* window) {
-    XmUpdateDisplay(window->common.widget);
-    Display* display = XtDisplay(window->common.shell);
-    const long ready = 1;
-    XChangeProperty(display, XtWindow(window->common.shell),
-                    XInternAtom(display, "_TESSALY_READY", False), XA_CARDINAL, 32, PropModeReplace,
-                    reinterpret_cast<const unsigned char*>(&ready), 1);
-    XFlush(display);
-}
-
 void show_start_help(vga_node_window* window, vga_node* node) {
     vga_dialog* dialog = nullptr;
     if (vga_get_dialog(VGA_UID_START_HELP_DIALOG, &window->common, node, &dialog)) {
@@ -290,7 +266,7 @@ bool vga_display_node_window(vga_node* node, bool ready) {
         return false;
     }
     if (!ready) {
-        show_waiting(window);
+        vga_show_loading(&window->common, window->message_bar);
         return true;
     }
     if (window->built) {
@@ -302,7 +278,7 @@ bool vga_display_node_window(vga_node* node, bool ready) {
     char title[2 * VGA_MESSAGE_BUFFER_SIZE];
     vga_print_msg(title, gvga_messages[window_title], "cs",
                   static_cast<int>(sizeof node->node_name), node->node_name);
-    set_title(window, title, NODE_NAME(node).text);
+    vga_set_window_title(&window->common, title, NODE_NAME(node).text);
     set_sizes(window, node);
     if (!vga_build_node_window(node)) {
         node->gui_data.node_window = nullptr;
@@ -312,7 +288,7 @@ bool vga_display_node_window(vga_node* node, bool ready) {
     vga_update_node_window(node);
     vga_display_dialog(&window->common);
     XmProcessTraversal(window->link, XmTRAVERSE_CURRENT);
-    mark_ready(window);
+    vga_mark_window_ready(&window->common);
     if (node->node_state == VGA_NODE_STATE_UNCONFIGURED && !gvga_read_only) {
         show_start_help(window, node);
     }
@@ -326,6 +302,7 @@ bool vga_nodew_close_proc(vga_dialog* dialog, bool forced) {
     }
     vga_node_window* window = vga_as_node_window(dialog);
     vga_node* node = vga_nodew_node(window);
+    vga_forget_deleting(dialog);
     vga_clear_node_window(dialog);
     if (node != nullptr) {
         node->gui_data.node_window = nullptr;
@@ -346,7 +323,10 @@ void vga_node_built(vga_node* node) {
 void vga_install_window_hooks() {
     gvga_store_hooks.node_built = vga_node_built;
     gvga_store_hooks.system_built = vga_system_built;
-    gvga_store_hooks.node_changed = vga_update_node_window;
+    gvga_store_hooks.node_changed = vga_update_node_viewer;
+    gvga_store_hooks.node_added = vga_sysw_node_added;
+    gvga_store_hooks.node_removed = vga_sysw_node_removed;
+    gvga_store_hooks.roles_changed = vga_sysw_roles_changed;
     gvga_store_hooks.start_shutdown = vga_start_shutdown;
     gvga_status_hooks = {
         .update_port = vga_update_port_viewer,
@@ -358,5 +338,10 @@ void vga_install_window_hooks() {
         .update_mode = vga_update_mode_viewer,
         .button_states =
             [](vga_node* node) { vga_nodew_set_button_states(node->gui_data.node_window); },
+    };
+    gvga_manage_hooks.clear_message_bar = [](vga_node* node) {
+        if (node->gui_data.node_window != nullptr) {
+            vga_message_node_window(node->gui_data.node_window, 0);
+        }
     };
 }

@@ -3,8 +3,8 @@
 
 #include "store/records.h"
 #include "store/routing_records.h"
-#include "ui/viewer/viewer_type.h"
 #include "ui/windows/node_window.h"
+#include "ui/windows/window_parts.h"
 
 #include <array>
 #include <cstring>
@@ -134,13 +134,7 @@ enum VGA_NODEW_BUTTON : int {
     VGA_NODEW_ADD,
     VGA_NODEW_BUTTON_COUNT,
 };
-struct VGA_NODEW_TOOL {
-    Widget vga_node_window::*frame;
-    Widget vga_node_window::*icon;
-    Widget vga_node_window::*menu_item;
-    VGA_ICON normal, insensitive;
-};
-extern const std::array<VGA_NODEW_TOOL, VGA_NODEW_BUTTON_COUNT> vga_nodew_tools;
+extern const std::array<VGA_TOOL<vga_node_window>, VGA_NODEW_BUTTON_COUNT> vga_nodew_tools;
 struct VGA_NODEW_STATES {
     std::array<bool, VGA_NODEW_BUTTON_COUNT> sensitive;
     bool zoom_ok;
@@ -153,12 +147,12 @@ VGA_NODEW_STATES vga_nodew_button_states(const vga_node* node, NB_BYTE type, NB_
 // empty where the button has none.
 void vga_nodew_button_help(VGA_NODEW_BUTTON button, NB_BYTE type, NB_LONG count, const void* record,
                            char* text);
+// A message whose argument is the name of a row's record, into text.
+void vga_nodew_print_name(int message, NB_BYTE type, const void* record, char* text);
 
 // ---- life of the window ----
 
 // Key events of the node area.
 void vga_nodew_server_key(Widget widget, XtPointer, XEvent* event, Boolean* continue_dispatch);
-// Writes a text into the message bar.
-void vga_nodew_set_message_bar(vga_node_window* window, const char* text);
 // The entries of the window manager's menu that give a sash the keyboard.
 void vga_nodew_add_sash_menu(vga_node_window* window);
