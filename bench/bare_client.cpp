@@ -39,16 +39,12 @@ using Hook = bi::avl_set_base_hook<bi::link_mode<bi::normal_link>, bi::optimize_
 // An entry lies behind its record.
 struct Record : Hook {
     const Record* owner; // the record whose list it is in; null: the node's or the domain's
-    std::uint64_t start; // the first bytes of the key, to be compared as a number
     const NB_BYTE* entry() const { return reinterpret_cast<const NB_BYTE*>(this + 1); }
 };
 
 struct Less {
     const vga_query_row* row = nullptr;
     bool operator()(const Record& a, const Record& b) const {
-        if (a.start != b.start) {
-            return a.start < b.start;
-        }
         for (const vga_piece& piece : {row->key, row->key2}) {
             const int order =
                 std::memcmp(a.entry() + piece.entry, b.entry() + piece.entry, piece.length);
@@ -63,16 +59,10 @@ struct Less {
 using Tree = bi::avl_set<Record, bi::compare<Less>, bi::constant_time_size<false>>;
 
 // False: the tree has the key already, as with the further parts of an entry that fills pages.
-bool keep(Tree& tree, const vga_query_row& row, const Record* owner, const NB_BYTE* entry,
-          std::size_t length) {
+bool keep(Tree& tree, const Record* owner, const NB_BYTE* entry, std::size_t length) {
     auto* record = new (std::malloc(sizeof(Record) + length)) Record{};
     std::memcpy(static_cast<void*>(record + 1), entry, length);
     record->owner = owner;
-    NB_BYTE start[8] = {};
-    std::memcpy(start, entry + row.key.entry, std::min<std::size_t>(row.key.length, sizeof start));
-    for (const NB_BYTE byte : start) {
-        record->start = record->start << 8 | byte;
-    }
     if (!tree.insert(*record).second) {
         std::free(record);
         return false;
@@ -252,7 +242,7 @@ void read_list(Client& client, Tree& tree, VGA_QUERY kind, NB_HANDLE target,
         const NB_BYTE* entry = client.connection.buffer(row.block_size);
         const NB_BYTE* last = nullptr;
         for (NB_USHORT i = 0; i < got.num_entries; ++i) {
-            client.result.entries += keep(tree, row, owner, entry, length_of(entry));
+            client.result.entries += keep(tree, owner, entry, length_of(entry));
             last = entry;
             entry += length_of(entry);
         }

@@ -1,5 +1,10 @@
-// What the store costs while it follows a node: one status indication for one of many LUs with its
-// row, and the removal of a node beside its build. Processor time, medians.
+// What the store costs beside the build of one node: several nodes that are built side by side, one
+// status indication for one of many LUs with its row, and the removal of a node beside its build.
+// Processor time, medians.
+#include "bare_client.h"
+#include "measure.h"
+#include "store_build.h"
+
 #include "nof/cn.h"
 #include "nof/pu_lu.h"
 #include "shell/globals.h"
@@ -10,37 +15,30 @@
 #include "store/store.h"
 #include "verbs/status.h"
 
-#include <algorithm>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
 #include <ctime>
 #include <random>
+#include <string>
 #include <vector>
 
 namespace {
 
+using namespace bench;
+
 constexpr unsigned resources = 100'000;
 constexpr unsigned lus_per_pu = 250;
 constexpr double indication_limit = 20; // microseconds
-constexpr double removal_limit = 1.0;   // of the time that filling the store takes
-constexpr int turns = 7;
+constexpr double removal_limit = 1.0;   // of the time that filling the store, or its build, takes
+constexpr double side_by_side_limit = 1.2; // our median time by that of as many bare clients
+constexpr unsigned nodes = 6;
+constexpr int turns = 9;
 
 double seconds() {
     timespec time;
     clock_gettime(CLOCK_PROCESS_CPUTIME_ID, &time);
     return static_cast<double>(time.tv_sec) + 1e-9 * static_cast<double>(time.tv_nsec);
-}
-
-double median(std::vector<double> values) {
-    std::sort(values.begin(), values.end());
-    return values[values.size() / 2];
-}
-
-bool report(const char* name, double value, double limit) {
-    const bool ok = value <= limit;
-    std::printf("bench_store %s %.2f %.2f %s\n", name, value, limit, ok ? "ok" : "over");
-    return ok;
 }
 
 template <std::size_t N> void put_name(NB_BYTE (&field)[N], const char* prefix, unsigned number) {
@@ -80,6 +78,36 @@ vga_node* fill() {
     return node;
 }
 
+// Nodes that are built at the same time, beside as many bare clients.
+double side_by_side(XtAppContext app) {
+    const Service service("node=" + std::to_string(nodes) + ",lu03=10000");
+    std::vector<double> ours;
+    std::vector<double> peer;
+    for (int turn = 0; turn < turns; ++turn) {
+        peer.push_back(read_domain(service, nodes).seconds);
+        start_store(app);
+        ours.push_back(build_store(service));
+        end_store();
+    }
+    return median(ours) / median(peer);
+}
+
+// The removal of a node by its build over the wire.
+double removal_by_build(XtAppContext app) {
+    const Service service("lu03=" + std::to_string(resources));
+    std::vector<double> ratio;
+    for (int turn = 0; turn < turns; ++turn) {
+        start_store(app);
+        const double built = build_store(service);
+        auto* node = ntl_avl_first<vga_node>(gvga_system->node_tree);
+        const double start = seconds();
+        vga_do_free_node_res(node, true, nullptr);
+        ratio.push_back((seconds() - start) / built);
+        end_store();
+    }
+    return median(ratio);
+}
+
 double indication_microseconds(vga_node* node) {
     constexpr unsigned count = 20'000;
     std::vector<LU_0_TO_3_INDICATION> indications(count);
@@ -105,8 +133,11 @@ double indication_microseconds(vga_node* node) {
 } // namespace
 
 int main() {
+    pin_to_one_processor();
     XtToolkitInitialize();
     gvga_appcontext = XtCreateApplicationContext();
+    bool ok = report("six_nodes", side_by_side(gvga_appcontext), side_by_side_limit);
+    ok &= report("removal_by_build", removal_by_build(gvga_appcontext), removal_limit);
     gvga_metrics.item_height = 16;
     gvga_messages[231] = gvga_messages[232] = gvga_messages[233] = "";
     nba_hm_initialise();
@@ -126,7 +157,7 @@ int main() {
         vga_do_free_node_res(node, true, nullptr);
         removed.push_back(seconds() - start);
     }
-    bool ok = report("indication_microseconds", median(indication), indication_limit);
+    ok &= report("indication_microseconds", median(indication), indication_limit);
     ok &= report("removal_by_filling", median(removed) / median(built), removal_limit);
     vga_destroy_data_structures();
     vga_free_verb_queues();

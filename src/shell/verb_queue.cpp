@@ -203,8 +203,14 @@ VGA_QUEUE_ENTRY* find_entry(const NBA_QUEUE& queue, const void* vcb) {
     return entry;
 }
 
+// Verbs without a callback in the queues, so that the usual case needs no search.
+std::size_t barriers;
+
 // A barrier: a purged verb of this target that has not completed.
 bool has_barrier(NB_HANDLE target) {
+    if (barriers == 0) {
+        return false;
+    }
     for (auto* entry = first_entry(gvga_nof_queue); entry != nullptr; entry = next_entry(entry)) {
         if (entry->target == target && entry->callback == nullptr) {
             return true;
@@ -237,6 +243,7 @@ void issue_waiting(NB_HANDLE target) {
 
 void free_entry(VGA_QUEUE_ENTRY* entry) {
     nba_remove_from_q(&entry->link);
+    barriers -= entry->callback == nullptr;
     vga_free_vcb(entry->vcb);
     vga_free(entry);
 }
@@ -274,6 +281,7 @@ bool vga_queue_verb(NB_HANDLE target, void* vcb, NB_ULONG corr, VGA_CALLBACK cal
     entry->vcb = vcb;
     entry->corr = corr;
     entry->callback = callback;
+    barriers += callback == nullptr;
     nba_add_to_q_tail(&gvga_nof_queue, &entry->link, entry);
     if (vcb_header(vcb)->opcode != NAP_DISCONNECT_NODE && has_barrier(target)) {
         return true;
@@ -313,6 +321,7 @@ void vga_nof_verb_callback(NB_HANDLE handle, void* vcb, NB_ULONG correlator, int
     VGA_ASSERT_TEXT(entry->issued, "queue_entry->issued");
     nba_remove_from_q(&entry->link);
     if (entry->callback == nullptr) {
+        --barriers;
         dispatch_purged(completion);
         issue_waiting(entry->target);
     } else if (header.primary_rc != NAP_UNSUCCESSFUL ||
@@ -332,6 +341,7 @@ void vga_purge_verb_queue(NB_HANDLE target, NB_USHORT opcode, const void* vcb, N
             continue;
         }
         if (entry->issued != 0) {
+            barriers += entry->callback != nullptr;
             entry->callback = nullptr;
         } else {
             free_entry(entry);

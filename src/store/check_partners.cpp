@@ -117,7 +117,8 @@ void send(vga_lu62* lu, VGA_QUERY query, const void* last) {
 } // namespace
 
 void vga_start_check_lu62(vga_lu62* lu) {
-    if (lu->checking != VGA_LU62_UNCHECKED) { // the end of the older check would remove what only this one marks
+    if (lu->checking != VGA_LU62_UNCHECKED) {
+        // The end of the older check would remove what only this one marks.
         vga_check_drop(lu->parent, 0, lu->handle, vga_check_lu62);
     } else {
         ++lu->parent->checks_running[VGA_CHECK_LU62];

@@ -53,18 +53,26 @@ vga_viewer* row_before(const vga_lu03* lu, const vga_pool* pool) {
     return nullptr;
 }
 
-// The LU of the same part that an LU comes directly behind, when that is the one before it in the
-// system's tree, which has the same order; null: unknown. Most LUs of a node are in one part.
+bool is_in(const vga_lu03* lu, const vga_pool* pool, const vga_node* node) {
+    return lu->parent->parent == node && AVL_IN_TREE(lu->pool_node) &&
+           std::memcmp(lu->vcb.def_data.pool_name, pool->parent->pool_name,
+                       sizeof pool->parent->pool_name) == 0;
+}
+
+// The LU of a part that an LU, which is not in it yet, comes directly behind: the nearest one
+// before it in the system's tree, which has the same order. Most LUs of a node are in one part, and
+// only those of other nodes with the same name stand between. null: not found within a few steps.
 vga_lu03* neighbour_of(const vga_lu03* lu, const vga_pool* pool) {
-    if (!AVL_IN_TREE(lu->system_node)) {
-        return nullptr;
+    constexpr int steps = 8;
+    const vga_lu03* at = lu;
+    for (int step = 0; step < steps && at != nullptr && AVL_IN_TREE(at->system_node); ++step) {
+        auto* previous = vga_prev<vga_lu03>(at->system_node);
+        if (previous != nullptr && is_in(previous, pool, lu->parent->parent)) {
+            return previous;
+        }
+        at = previous;
     }
-    auto* previous = vga_prev<vga_lu03>(lu->system_node);
-    const bool same = previous != nullptr && AVL_IN_TREE(previous->pool_node) &&
-                      previous->parent->parent == lu->parent->parent &&
-                      std::memcmp(previous->vcb.def_data.pool_name, pool->parent->pool_name,
-                                  sizeof pool->parent->pool_name) == 0;
-    return same ? previous : nullptr;
+    return nullptr;
 }
 
 // The LU leaves the part of the pool that holds it.

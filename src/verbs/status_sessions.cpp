@@ -114,8 +114,8 @@ void list_again_behind(vga_lu62* lu, VGA_LU62_CHECK pages) {
 void vga_process_plu_ind(vga_node* node, const void* block) {
     const auto& ind = *static_cast<const PLU_INDICATION*>(block);
     auto* lu = vga_status_find<vga_lu62>(node->lu62_tree, ind.lu_name);
-    // While the LU is listed again, what comes is listed, too, unless the list has passed its place;
-    // what goes may have been listed before.
+    // While the LU is listed again, what comes is listed, too, unless the list has passed its
+    // place; what goes may have been listed before.
     if (lu == nullptr) {
         return;
     }

@@ -6,6 +6,7 @@
 
 #include <algorithm>
 #include <functional>
+#include <iterator>
 #include <map>
 #include <memory>
 #include <random>
@@ -117,8 +118,13 @@ TEST_F(Avl, BehavesAsAMap) {
                     ASSERT_FALSE(ntl_avl_insert(&tree, &other.node));
                     ASSERT_FALSE(AVL_IN_TREE(other.node));
                 } else {
-                    model[key] = make(key);
-                    ASSERT_TRUE(ntl_avl_insert(&tree, &model[key]->node));
+                    const auto added = model.emplace(key, make(key)).first;
+                    NTL_AVL_NODE* node = &added->second->node;
+                    if (added != model.begin() && random() % 2 == 0) {
+                        ntl_avl_insert_behind(&tree, node, &std::prev(added)->second->node);
+                    } else {
+                        ASSERT_TRUE(ntl_avl_insert(&tree, node));
+                    }
                 }
             } else if (present != model.end()) {
                 NTL_AVL_NODE& node = present->second->node;

@@ -1,9 +1,11 @@
 // The checks against a scripted node whose lists differ from the store.
 #include "scripted_node.h"
 
+#include "nof/lu62.h"
 #include "store/checks.h"
 #include "ui/framework/dialog.h"
 #include "ui/framework/firewall.h"
+#include "verbs/status.h"
 
 #include <numeric>
 
@@ -425,6 +427,81 @@ TEST_F(Partners, ASecondStartDoesNotLoseWhatTheFirstHadFound) {
     EXPECT_EQ(rows(node->rem_sys_root),
               (Rows{"NET.DEF", "NET.EN1", " NET.P1", "  APPL/#INTER", "NET.EN2", " NET.P2",
                     "  APPL/#INTER", "NET.EN3", " NET.P3", "  OTHER/#INTER"}));
+}
+
+// What an indication changes behind a page that has come, the pages that follow do not tell.
+TEST_F(Partners, AnIndicationBehindAPageIsNotLost) {
+    script.page_entries = 1;
+    has("NET.P1");
+    has("NET.P2");
+    script.has(NAP_QUERY_MODE, mode("#INTER", "NET.P1", 2, "NET.EN1"), "APPL");
+    script.has(NAP_QUERY_MODE, mode("#INTER", "NET.P2", 4, "NET.EN2"), "APPL");
+    const auto modes = [&](NB_USHORT count) {
+        MODE_INDICATION ind{};
+        std::memcpy(ind.lu_name, lu->vcb.lu_name, sizeof ind.lu_name);
+        put(ind.plu_name, "NET.P1");
+        put(ind.mode_name, "#INTER");
+        ind.act_sess_count = count;
+        vga_process_mode_ind(node, &ind);
+    };
+    const auto known = [&](vga_plu* plu) {
+        plu->vcb.cp_known = 1;
+        put(plu->vcb.cp_name, "NET.EN1");
+    };
+    const struct {
+        const char* what;
+        std::size_t answers; // before the indication
+        std::size_t lists;   // of partners, in all
+    } cases[] = {{"before the first page", 0, 2},
+                 {"between the pages of partners", 1, 2},
+                 {"before the modes", 2, 2},
+                 {"between the pages of modes", 3, 4}};
+    for (const auto& [what, answers, lists] : cases) {
+        SCOPED_TRACE(what);
+        script.journal.clear();
+        vga_start_check_lu62(lu);
+        script.run(answers);
+        known(record_of<vga_plu, NB_FQNAME>(lu->plu_tree, "NET.P1"));
+        modes(7);
+        script.run();
+        expect_ended();
+        EXPECT_EQ(lu->checking, VGA_LU62_UNCHECKED);
+        EXPECT_EQ(script.sent(NAP_QUERY_PARTNER_LU), lists);
+        EXPECT_EQ(lu->act_sess_count, 6) << "the node lists two sessions again";
+        EXPECT_EQ((record_of<vga_rem_sys, NB_FQNAME>(node->rem_sys_tree, "NET.EN1")->session_count),
+                  2);
+    }
+}
+
+TEST_F(Partners, APartnerThatIsBackDuringTheCheckIsListed) {
+    script.page_entries = 1;
+    has("NET.P1");
+    has("NET.P2");
+    script.has(NAP_QUERY_MODE, mode("#INTER", "NET.P2", 4, "NET.EN2"), "APPL");
+    vga_start_check_lu62(lu);
+    script.run(1);
+    PLU_INDICATION ind{};
+    std::memcpy(ind.lu_name, lu->vcb.lu_name, sizeof ind.lu_name);
+    put(ind.plu_name, "NET.P1");
+    for (const NB_BYTE gone : {1, 0}) {
+        ind.change = gone;
+        vga_process_plu_ind(node, &ind);
+        EXPECT_EQ(count(lu->plu_tree), 3u) << "P2, P3 and P5; P1 is left to the list";
+    }
+    script.run();
+    expect_ended();
+    EXPECT_EQ(script.sent(NAP_QUERY_PARTNER_LU), 4u);
+    EXPECT_EQ(count(lu->plu_tree), 2u);
+    EXPECT_NE((record_of<vga_plu, NB_FQNAME>(lu->plu_tree, "NET.P1")), nullptr);
+}
+
+TEST_F(Partners, ACheckEndsWithItsNode) {
+    script.codes[NAP_QUERY_PARTNER_LU] = {NAP_UNSUCCESSFUL, NAP_TARGET_GONE};
+    vga_start_check_lu62(lu);
+    script.run();
+    expect_ended();
+    EXPECT_EQ(lu->checking, VGA_LU62_UNCHECKED);
+    EXPECT_EQ(count(lu->plu_tree), 4u) << "nothing is known of them";
 }
 
 TEST_F(Partners, OfADependentLuAreListedFromNothing) {

@@ -130,7 +130,8 @@ TEST_F(Live, DownstreamAndDependentLusFollow) {
     constexpr std::array steps{
         std::pair{"state downstream_lu LIN03 in-session", "LIN03"},
         std::pair{"state downstream_lu LIN03 inactive", "LIN03"},
-        std::pair{"session TRADELU BANKNET.TRADEHUB #INTER 0", "TRADELU"},
+        std::pair{"session TRADELU BANKNET.TRADEHUB #INTER 0", "TRADELU"}, // it had no other
+        std::pair{"session TRADELU BANKNET.TRADEHUB #INTER 1", "TRADELU"},
         std::pair{"state local_lu TRADELU inactive", "TRADELU"},
         std::pair{"state dlur_pu PUDLUR2 active", "PUDLUR2"},
     };
