@@ -17,7 +17,7 @@ INDENT = 8  # columns by which a level of a list is moved to the right
 
 # Rows of one kind, whatever state they tell. The first has all columns; the others may leave some out.
 SAME_COLUMNS = [
-    [810, 811, 812, 813],
+    [810, 811, 812, 813, 858],
     [814, *range(815, 822), *range(835, 840), 388, 822],
     [823, 824, 826, 827],
     [860, 853, 855, 856, 857, 861, 869],

@@ -6,6 +6,7 @@
 #include "shell/globals.h"
 #include "shell/messages.h"
 #include "store/store.h"
+#include "ui/framework/widget_tree.h"
 #include "ui/windows/cpic_window.h"
 
 #include <X11/extensions/XTest.h>
@@ -585,6 +586,33 @@ TEST_F(CpicWindow, ThePaneShowsWhetherItHasTheKeyboard) {
     key(XK_Escape);
     EXPECT_TRUE(console.wait(has_it(true), 5000));
     EXPECT_EQ(XmGetFocusWidget(window()->common.widget), window()->panes[0].list);
+}
+
+// The toolkit underlines a mnemonic only in a text of its own character set.
+TEST_F(CpicWindow, MnemonicsAreUnderlined) {
+    press(VGA_LIST_ADD);
+    int count = 0;
+    for (Widget top : {window()->common.widget, dialog()->form.common.widget}) {
+        vga_for_each_below(top, [&](Widget each) {
+            KeySym mnemonic = NoSymbol;
+            char* set = nullptr;
+            XmString label = nullptr;
+            if (!XmIsLabel(each)) {
+                return;
+            }
+            XtVaGetValues(each, XmNmnemonic, &mnemonic, XmNmnemonicCharSet, &set, XmNlabelString,
+                          &label, nullptr);
+            char letter[2] = {static_cast<char>(mnemonic), '\0'};
+            if (mnemonic != NoSymbol && mnemonic != XK_VoidSymbol) {
+                XmString marked = XmStringCreate(letter, set);
+                EXPECT_TRUE(XmStringHasSubstring(label, marked)) << XtName(each);
+                XmStringFree(marked);
+                ++count;
+            }
+            XmStringFree(label);
+        });
+    }
+    EXPECT_GT(count, 20);
 }
 
 } // namespace

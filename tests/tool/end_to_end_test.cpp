@@ -4,6 +4,7 @@
 
 #include "common/alloc.h"
 #include "shell/globals.h"
+#include "shell/uid_file.h"
 #include "store/store.h"
 #include "ui/framework/dialog.h"
 #include "ui/viewer/viewer_type.h"
@@ -106,8 +107,11 @@ TEST(EndToEnd, ADialogWithoutAFormIsRefusedInWords) {
     SERVICE service;
     CONSOLE console(service);
     ASSERT_TRUE(console.started() && console.wait_built());
+    const MrmHierarchy forms = gvga_uid_hierarchy;
+    gvga_uid_hierarchy = nullptr;
     vga_dialog* dialog = nullptr;
-    EXPECT_FALSE(vga_get_dialog(VGA_UID_CPIC_WINDOW, gvga_main_dialog, nullptr, &dialog));
+    EXPECT_FALSE(vga_get_dialog(VGA_UID_CPIC_DIALOG, gvga_main_dialog, nullptr, &dialog));
+    gvga_uid_hierarchy = forms;
     ASSERT_TRUE(console.wait_idle());
     EXPECT_NE(CONSOLE::message(), "");
     ASSERT_TRUE(console.answer("OK"));

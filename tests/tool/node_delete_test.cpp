@@ -1,5 +1,6 @@
 #include "tool/start_stop_fixture.h"
 
+#include "ui/viewer/viewer_type.h"
 #include "ui/windows/node_window.h"
 
 // The Delete key and button of the node window.
@@ -20,6 +21,31 @@ protected:
         }
         console.wait_idle();
         service.control("journal clear");
+    }
+    // Goes to a row from the top, by the keyboard: each name is in a row below the one before,
+    // which is expanded.
+    void walk(vga_viewer_root& root, const std::vector<std::string>& names) {
+        ASSERT_TRUE(XmProcessTraversal(root.draw_widget, XmTRAVERSE_CURRENT));
+        console.key(XK_Home);
+        for (const std::string& name : names) {
+            if (&name != &names.front()) {
+                console.key(XK_plus);
+                console.key(XK_Down);
+            }
+            for (int left = 60; selected_text(root).find(name) == std::string::npos; --left) {
+                ASSERT_GT(left, 0) << name;
+                console.key(XK_Down);
+            }
+        }
+        service.control("journal clear");
+    }
+    static std::string selected_text(vga_viewer_root& root) {
+        const vga_viewer* row = vga_viewer_get_selected_viewer(&root);
+        char text[VGA_VIEWER_MAX_TEXT_LENGTH + 1] = "";
+        if (row != nullptr) {
+            gvga_viewer_desc[row->type].create_text(row->data, text);
+        }
+        return text;
     }
     void press_delete() {
         console.key(XK_Delete);
@@ -147,6 +173,59 @@ TEST_F(NodeDelete, ARemoteSystemGoesAfterItsPartnerLus) {
     expect_message(691, "BANKNET.HOSTB");
     EXPECT_EQ(deletes(), "PARTNER_LU PARTNER_LU DIRECTORY_ENTRY ");
     EXPECT_EQ(CONSOLE::message(), "");
+}
+
+// Cancel keeps what the row stands for; OK sends the verbs. A refusal sends none.
+TEST_F(NodeDelete, EachKindOfRowHasItsQuestionAndItsVerb) {
+    struct CASE {
+        vga_viewer_root* root;
+        std::vector<std::string> path;
+        int message;
+        const char* verbs;
+    };
+    // Primary lines are not asked for, but shown when another operator defines them.
+    service.control("define primary_line PADLINE");
+    service.control("define primary_lu0 PAD1 line=PADLINE address=2");
+    service.control("define primary_lu0 PAD2 line=PADLINE address=3");
+    ASSERT_TRUE(wait([&] {
+        const auto* line = ntl_avl_first<vga_primary_line>(node->primary_line_tree);
+        return line != nullptr && line->lu0_tree.first != nullptr;
+    }));
+    console.wait_idle();
+    const CASE cases[] = {
+        {&node->links_root, {"LINDENAU", "LIN03"}, 682, "DOWNSTREAM_LU "},
+        {&node->links_root, {"HOSTB", "PAY07"}, 681, "LU_0_TO_3 "}, // of a pool
+        {&node->links_root, {"ARCHIVE"}, 697, "LS "},
+        {&node->links_root, {"PUDLUR1"}, 782, ""},
+        {&node->links_root, {"PUDLUR2"}, 783, "INTERNAL_PU "},
+        {&node->links_root, {"PADLINE", "PAD1"}, 688, "PRIMARY_LU0 "},
+        {&node->links_root, {"PADLINE"}, 695, "PRIMARY_LINE "},
+        {&node->links_root, {"PUDLUR1", "TRADELU"}, 681, "LOCAL_LU "}, // a dependent LU 6.2
+        {&node->lus_root, {"CLAIMS", "Link station", "HELVINS"}, 684, "LS_ROUTING "},
+        {&node->lus_root,
+         {"PAYROLL", "Link station", "CLEARING"},
+         684,
+         "LS_ROUTING "}, // to many partners
+    };
+    for (const CASE& each : cases) {
+        SCOPED_TRACE(each.path.back());
+        walk(*each.root, each.path);
+        if (HasFatalFailure()) {
+            return;
+        }
+        const bool refused = *each.verbs == '\0';
+        press_delete();
+        expect_message(each.message, each.path.back(), refused ? "OK" : "Cancel");
+        EXPECT_EQ(deletes(), "");
+        EXPECT_NE(selected_text(*each.root).find(each.path.back()), std::string::npos);
+        if (!refused) {
+            press_delete();
+            expect_message(each.message, each.path.back());
+            EXPECT_EQ(CONSOLE::message(), "");
+            EXPECT_EQ(deletes(), each.verbs);
+            EXPECT_EQ(selected_text(*each.root).find(each.path.back()), std::string::npos);
+        }
+    }
 }
 
 TEST_F(NodeDelete, ReadOnlyNothingIsDeleted) {

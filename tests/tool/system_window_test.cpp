@@ -417,4 +417,24 @@ TEST(SystemWindowStart, WaitsWhileTheDomainIsRead) {
     EXPECT_EQ(nba_assert_count(), 0u) << nba_last_assert();
 }
 
+TEST_F(SystemWindow, TheSideInformationOfTheDomainHasItsWindow) {
+    service.control("define cpic DEST1 description=here");
+    vga_viewer_root& destinations = gvga_system->cpic_viewer_root;
+    console.key(XK_k, ControlMask);
+    const vga_dialog* opened = gvga_system->gui_data.cpic_window;
+    ASSERT_NE(opened, nullptr);
+    EXPECT_EQ(opened->parent, gvga_main_dialog);
+    EXPECT_EQ(opened->parent_item, gvga_system);
+    ASSERT_TRUE(console.wait([&] { return destinations.top_count == 1; }, 5000));
+    EXPECT_TRUE(CONSOLE::rows(destinations)[0].starts_with("DEST1 "));
+    ASSERT_TRUE(console.click_row(destinations, "DEST1"));
+    console.click(console.widget("cpicwDeleteButton"));
+    EXPECT_NE(CONSOLE::message().find("DEST1"), std::string::npos) << CONSOLE::message();
+    ASSERT_TRUE(console.answer("OK"));
+    EXPECT_TRUE(console.wait([&] { return destinations.top_count == 0; }, 5000));
+    console.click(console.widget("cpicwDoneButton"));
+    EXPECT_EQ(gvga_system->gui_data.cpic_window, nullptr);
+    EXPECT_TRUE(list().displayed);
+}
+
 } // namespace

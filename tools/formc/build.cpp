@@ -132,6 +132,7 @@ void set_caption(const Statement& s, Object& object, std::map<char, int>& used) 
         s.fail(std::string("the mnemonic '") + key + "' is used before, in line " +
                std::to_string(known->second));
     object.set("XmNmnemonic", std::string("keysym(\"") + c.mnemonic + "\")");
+    object.set("XmNmnemonicCharSet", uil_string("ISO8859-1")); // of the module's texts
 }
 
 } // namespace formc

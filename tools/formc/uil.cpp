@@ -135,7 +135,9 @@ void write_module(std::ostream& out, std::string_view name, const Module& module
         for (const auto& [reason, calls] : object.callbacks)
             for (const std::string& call : calls)
                 procedures.insert(procedure_name(call));
-    out << "module " << name << "\n  names = case_sensitive\n";
+    // Else the texts are tagged with the character set of the locale of the build, and a mnemonic
+    // is underlined only in a text of its own set.
+    out << "module " << name << "\n  names = case_sensitive\n  character_set = iso_latin1\n";
     if (!procedures.empty()) {
         out << "\nprocedure\n";
         for (const std::string_view procedure : procedures)

@@ -175,8 +175,11 @@ bool read_fq_name(vga_form* form, const VGA_FIELD& field, void* image) {
 void show_node_id(vga_form* form, const VGA_FIELD& field, const void* image) {
     char digits[2 * sizeof(NB_ULONG) + 1];
     std::snprintf(digits, sizeof digits, "%08x", load<NB_BE32>(place_of(field.place, image)).get());
-    set_text(vga_form_widget(form, field.widget), std::string(digits, node_id_block_width));
-    set_text(vga_form_widget(form, field.second), digits + node_id_block_width);
+    // As a value, which passes by the check that turns what is typed to upper case.
+    const std::string block(digits, node_id_block_width);
+    XtVaSetValues(vga_form_widget(form, field.widget), XmNvalue, block.c_str(), nullptr);
+    XtVaSetValues(vga_form_widget(form, field.second), XmNvalue, digits + node_id_block_width,
+                  nullptr);
 }
 
 bool read_node_id(vga_form* form, const VGA_FIELD& field, void* image) {

@@ -4,6 +4,7 @@
 #include "ui/framework/widget_tree.h"
 
 #include <X11/Xutil.h>
+#include <X11/keysym.h>
 
 namespace {
 
@@ -14,7 +15,7 @@ KeySym mnemonic_of(Widget widget) {
     if (XmIsLabel(widget)) {
         XtVaGetValues(widget, XmNmnemonic, &mnemonic, nullptr);
     }
-    return mnemonic;
+    return mnemonic != XK_VoidSymbol ? mnemonic : KeySym{NoSymbol}; // the toolkit's "none"
 }
 
 // Calls use(widget) for what has a mnemonic and stands in the dialog itself, not in a menu.
@@ -91,8 +92,11 @@ void key_pressed(Widget top, XtPointer, XEvent* event, Boolean*) {
 void vga_install_mnemonics(Widget top) {
     bool any = false;
     for_each_mnemonic(top, [&](Widget widget) {
-        any = true;
         const KeyCode key = XKeysymToKeycode(XtDisplay(top), mnemonic_of(widget));
+        if (key == 0) { // which would grab every key
+            return;
+        }
+        any = true;
         for (const unsigned lock : locks) {
             XtGrabKey(top, key, Mod1Mask | lock, True, GrabModeAsync, GrabModeAsync);
         }

@@ -57,6 +57,7 @@ constexpr VGA_LIST_PANE panes[] = {
      .add_dialog_id = VGA_UID_CPIC_DIALOG,
      .types = types}};
 constexpr const char* others[] = {"cpicwDoneButton"};
+constinit char focus_action[] = "vga_cpicw_focus";
 constexpr VGA_LIST_WINDOW window{
     .dialog_id = VGA_UID_CPIC_WINDOW,
     .title = 11,
@@ -67,7 +68,8 @@ constexpr VGA_LIST_WINDOW window{
                  {VGA_LIST_WIDGET("cpicwDeleteButton", button_delete)},
                  {VGA_LIST_WIDGET("cpicwModifyButton", button_modify)},
                  {VGA_LIST_WIDGET("cpicwCopyButton", button_copy)}}},
-    .others = others};
+    .others = others,
+    .focus_action = focus_action};
 
 } // namespace
 
@@ -76,7 +78,6 @@ const VGA_NAMED_CALLBACK gvga_cpicw_callbacks[5] = {{"vga_cpicw_add", vga_cpicw_
                                                     {"vga_cpicw_copy", vga_cpicw_copy},
                                                     {"vga_cpicw_delete", vga_cpicw_delete},
                                                     {"vga_cpicw_disarm", vga_cpicw_disarm}};
-static char focus_action[] = "vga_cpicw_focus";
 XtActionsRec gvga_cpicw_actions[1] = {{focus_action, vga_cpicw_focus}};
 
 bool vga_display_cpic_window() {

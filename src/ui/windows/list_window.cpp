@@ -6,8 +6,8 @@
 
 #include <Xm/XmAll.h>
 
+#include <string>
 #include <string_view>
-#include <cstdio>
 
 namespace {
 
@@ -83,6 +83,22 @@ void put_icons(const vga_list_window* window) {
             XtVaSetValues(icon, XmNlabelInsensitivePixmap, gvga_pixmaps[tool_icons[i].insensitive],
                           nullptr);
         }
+    }
+}
+
+// A list's own translations lose against those with which the toolkit follows the focus, so these
+// are added to the finished widget.
+void follow_focus(const vga_list_window* window) {
+    if (window->row->focus_action == nullptr) {
+        return;
+    }
+    const std::string action = window->row->focus_action;
+    const std::string text = "<FocusIn>: " + action +
+                             "(1) PrimitiveFocusIn()\n<FocusOut>: " + action +
+                             "(0) PrimitiveFocusOut()";
+    const XtTranslations translations = XtParseTranslationTable(text.c_str());
+    for (std::size_t i = 0; i < window->row->panes.size(); ++i) {
+        XtOverrideTranslations(window->panes[i].list, translations);
     }
 }
 
@@ -193,6 +209,7 @@ bool vga_get_list_widgets(vga_dialog* dialog, const VGA_LIST_WINDOW& row) {
         return false;
     }
     put_icons(window);
+    follow_focus(window);
     if (row.buttons[VGA_LIST_ADD].menu_item.name == nullptr) {
         vga_install_mnemonics(dialog->widget); // of the buttons: there is no menu bar
     }
@@ -369,7 +386,6 @@ void vga_list_leave_button(Widget widget) {
 }
 
 void vga_list_focus(Widget widget, String* params, Cardinal count) {
-    fprintf(stderr, "focus %s %u\n", XtName(widget), count);
     vga_list_window* window = window_of(widget);
     if (window == nullptr || count == 0) {
         return;

@@ -59,6 +59,8 @@ struct VGA_LIST_WINDOW { // a window
     std::array<VGA_LIST_BUTTON_ROW, VGA_LIST_BUTTON_COUNT> buttons;
     std::span<const char* const> others{}; // widgets that only need to know their window
     VGA_LIST_NAME message_bar{};
+    // Name of the action that calls vga_list_focus; null: the panes do not show the keyboard.
+    const char* focus_action = nullptr;
     int columns = 70; // of its first size
     int rows = 18;
     // Opens the status dialog of the selected record.

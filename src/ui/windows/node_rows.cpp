@@ -22,6 +22,7 @@ constexpr VGA_STATE_ROW port_states[] = {
     {NOF_STATE_START_PENDING, 812},
     {NOF_STATE_STOP_PENDING, 813},
 };
+constexpr int port_failed = 858; // any other state
 
 enum LS_TEXT : int {
     LS_IMPLICIT = 388,
@@ -49,7 +50,6 @@ bool has_permanent_circuit(const vga_ls* ls) {
            nof_tail(entry)[NOF_LS_CIRCUIT_OFFSET] == NOF_LS_PERMANENT_CIRCUIT;
 }
 
-// 0: the link station is in a state that has no text.
 int ls_message(const vga_ls* ls) {
     const LS_DETAIL& detail = ls->vcb->det;
     const NB_BYTE port_state = ls->parent->vcb->state;
@@ -57,8 +57,10 @@ int ls_message(const vga_ls* ls) {
         return LS_INACTIVE;
     }
     if (port_state != NOF_STATE_INACTIVE && detail.state != NOF_STATE_INACTIVE) {
+        const int message = vga_state_message(ls_states, detail.state);
         return port_state == NOF_STATE_STOP_PENDING ? LS_STOPPING
-                                                    : vga_state_message(ls_states, detail.state);
+               : message != 0                       ? message
+                                                    : LS_FAILED;
     }
     const bool on_demand = (detail.activation_flags & NOF_LS_ON_DEMAND) != 0;
     const bool incoming = (detail.activation_flags & NOF_LS_INCOMING) != 0;
@@ -190,10 +192,8 @@ int vga_create_port_viewer_text(void* record, char* text) {
         return vga_print_row(text, port == vga_node_of(port)->dlur_fake_port ? 232 : 233, "");
     }
     const int message = vga_state_message(port_states, port->vcb->state);
-    if (message == 0) {
-        return vga_no_row_text(text);
-    }
-    return vga_print_row(text, message, "ca s", 8, port->vcb->port_name,
+    return vga_print_row(text, message != 0 ? message : port_failed, "ca s", 8,
+                         port->vcb->port_name,
                          VGA_ROW_DESCRIPTION(port->vcb->def.description).text);
 }
 
@@ -202,11 +202,7 @@ int vga_create_ls_viewer_text(void* record, char* text) {
     if (vga_is_implicit(ls)) {
         return vga_print_row(text, LS_IMPLICIT, "ea", 17, ls->vcb->det.adj_cp_name);
     }
-    const int message = ls_message(ls);
-    if (message == 0) {
-        return vga_no_row_text(text);
-    }
-    return vga_print_row(text, message, "ca s", 8, ls->vcb->ls_name,
+    return vga_print_row(text, ls_message(ls), "ca s", 8, ls->vcb->ls_name,
                          VGA_ROW_DESCRIPTION(ls->vcb->def.description).text);
 }
 
