@@ -355,6 +355,90 @@ TEST_F(NodeAlias, WithoutTheMasterItAsksFirst) {
     EXPECT_EQ(std::string(node()->vcb.parameters.cp_alias, 8), "NEWALIAS");
 }
 
+class NodeAliasInUse : public NodeAlias {
+protected:
+    void SetUp() override {
+        NodeAlias::SetUp();
+        service.control("define user_session AS400 user=helpdesk type=5250 local_lu=BNKGW01");
+        ASSERT_TRUE(console.wait([] { return session() != nullptr; }, 5000));
+        service.control("journal clear");
+    }
+    static vga_user_sess* session() {
+        const char user_name[32] = "helpdesk";
+        auto* user = static_cast<vga_user*>(ntl_avl_find(&gvga_system->user_tree, user_name));
+        return static_cast<vga_user_sess*>(ntl_avl_find(&user->session_tree, "AS400   "));
+    }
+    static std::string alias_of_session() {
+        return {reinterpret_cast<const char*>(session()->vcb.lu_name), 8};
+    }
+};
+
+TEST_F(NodeAliasInUse, ItsUsersAreUpdatedOnYes) {
+    press_ok();
+    expect_message(808, "Cancel");
+    EXPECT_EQ(count("NAP_DEFINE_NODE"), 0);
+    press_ok();
+    expect_message(808, "OK");
+    EXPECT_TRUE(console.wait([] { return dialog() == nullptr; }, 5000));
+    EXPECT_EQ(CONSOLE::message(), "");
+    EXPECT_EQ(count("NAP_DEFINE_EMULATOR_USER"), 1);
+    EXPECT_EQ(alias_of_session(), "NEWALIAS");
+}
+
+TEST_F(NodeAliasInUse, ItsUsersStayAsTheyAreOnNo) {
+    press_ok();
+    expect_message(808, "confirmNoButton");
+    EXPECT_TRUE(console.wait([] { return dialog() == nullptr; }, 5000));
+    EXPECT_EQ(std::string(node()->vcb.parameters.cp_alias, 8), "NEWALIAS");
+    EXPECT_EQ(count("NAP_DEFINE_EMULATOR_USER"), 0);
+    EXPECT_EQ(alias_of_session(), "BNKGW01 ");
+}
+
+TEST_F(NodeAliasInUse, ARefusedUpdateIsToldOnceWhicheverVerbEndsTheRun) {
+    for (const char* held : {"NAP_DEFINE_DEFAULTS", "NAP_DEFINE_EMULATOR_USER"}) {
+        SCOPED_TRACE(held);
+        open();
+        type(dialog()->cp_alias, std::string("LAST") + (held[11] == 'D' ? "1" : "2"));
+        service.control("fail NAP_DEFINE_EMULATOR_USER 1 2 0");
+        service.control(std::string("hold ") + held);
+        press_apply();
+        expect_message(808, "OK");
+        ASSERT_TRUE(console.wait([&] { return busy(); }, 5000));
+        service.control("release");
+        ASSERT_TRUE(console.wait([] { return !CONSOLE::message().empty(); }, 5000));
+        console.wait_idle();
+        expect_message(276);
+        console.wait_idle();
+        EXPECT_EQ(CONSOLE::message(), "");
+        EXPECT_FALSE(busy());
+        EXPECT_EQ(XmGetFocusWidget(dialog()->form.common.widget), dialog()->form.apply_button);
+        service.control("define user_session AS400 user=helpdesk type=5250 local_lu=" +
+                        text(dialog()->cp_alias));
+        console.wait_idle();
+    }
+}
+
+// ---- a name that another node of the domain uses ----
+
+class NodeInDomain : public NodeDialog {
+protected:
+    NodeInDomain() : NodeDialog({"--domain", TESSALY_SOURCE_DIR "/data/domains/enterprise.toml"}) {}
+};
+
+TEST_F(NodeInDomain, TheNameOfAnLuOfAnotherNodeMayBeTaken) {
+    ASSERT_EQ(node()->node_state, VGA_NODE_STATE_STOPPED);
+    open();
+    type(dialog()->cp_name, "ZRH10001");
+    service.control("journal clear");
+    press_ok();
+    expect_message(799, "Cancel");
+    EXPECT_EQ(count("NAP_DEFINE_NODE"), 0);
+    press_ok();
+    expect_message(799, "OK");
+    EXPECT_TRUE(console.wait([] { return dialog() == nullptr; }, 5000));
+    EXPECT_EQ(count("NAP_DEFINE_NODE"), 1);
+}
+
 // ---- a node without configuration ----
 
 class NewNode : public NodeDialog {

@@ -20,6 +20,7 @@ struct VGA_CHAIN_RUN {             // what verb_chain.h keeps of the verbs of a 
     NB_ULONG checks;               // what the run still asks about
     NB_LONG outstanding;           // verbs sent and not yet completed
     vga_node* update_node;         // whose definitions are updated; null: no update run
+    Widget focus;                  // had the keyboard when the first verb was sent
     bool apply;                    // Apply started the run, not OK
     bool marked;                   // definitions are marked for update
     bool failed;                   // a verb of the run failed

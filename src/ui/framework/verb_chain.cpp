@@ -19,8 +19,17 @@ const VGA_CHAIN& chain_of(const vga_form* form) {
     return *form->row->chain;
 }
 
+// While OK and Apply are insensitive the keyboard may go to Cancel; then it comes back.
 void set_sensitive(vga_form* form, bool sensitive) {
+    Widget& focus = form->run.focus;
+    if (!sensitive && focus == nullptr) {
+        focus = XmGetFocusWidget(form->common.widget);
+    }
     vga_dialog_sensitive(&form->common, form->apply_button, sensitive);
+    if (sensitive && focus != nullptr) {
+        XmProcessTraversal(focus, XmTRAVERSE_CURRENT);
+        focus = nullptr;
+    }
 }
 
 void take_marks_back(vga_form* form) {
