@@ -10,6 +10,7 @@
 #include "ui/windows/node_window.h"
 #include "ui/windows/system_window.h"
 
+#include <cstdlib>
 #include <cstring>
 #include <random>
 #include <string>
@@ -21,7 +22,7 @@ namespace {
 using kit::CONSOLE;
 using kit::SERVICE;
 
-constexpr int node_count = 20;
+constexpr int node_count = 50;
 
 std::string name_of(int number) {
     return (number < 10 ? "node0" : "node") + std::to_string(number);
@@ -176,7 +177,8 @@ protected:
 TEST_P(Churn, TheStoreEndsAsAFreshOne) {
     ASSERT_TRUE(console.started() && console.wait_built());
     const std::string at_first = picture();
-    churn(300);
+    const char* steps = std::getenv("TESSALY_CHURN_STEPS");
+    churn(steps != nullptr ? std::atoi(steps) : 300);
     for (int i = 0; i < node_count; ++i) {
         raise(i);
     }
