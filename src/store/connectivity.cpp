@@ -4,7 +4,6 @@
 #include "store/record_util.h"
 #include "store/remove.h"
 #include "store/store.h"
-#include "ui/viewer/viewer_internal.h"
 
 #include <iterator>
 #include <utility>

@@ -84,6 +84,8 @@ int vga_viewer_set_select(vga_viewer_root* root, vga_viewer* viewer, bool state)
 void* vga_viewer_get_selection(vga_viewer_root* root, NB_BYTE* type = nullptr);
 vga_viewer* vga_viewer_get_selected_viewer(vga_viewer_root* root);
 void vga_clear_outline_selection(vga_viewer_root* root);
+// The owner recomputes what depends on the selection, of rows of this one's type.
+void vga_viewer_tell_owner(vga_viewer_root* root, const vga_viewer* viewer);
 void vga_viewer_drag_cb(vga_viewer* viewer, vga_viewer_root* root, bool leaving, bool upward);
 void vga_viewer_add_underline(vga_viewer_root* root, vga_viewer* viewer, int x, int y,
                               const char* message_text);

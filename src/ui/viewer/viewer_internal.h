@@ -113,8 +113,6 @@ void vga_viewer_scroll_drag(Widget bar, XtPointer root, XtPointer data);
 void vga_viewer_forget_selection(vga_viewer_root* root);
 // select_type becomes the type of the current selected row.
 void vga_viewer_refresh_select_type(vga_viewer_root* root);
-// The owner recomputes what depends on the selection.
-void vga_viewer_tell_owner(vga_viewer_root* root, const vga_viewer* viewer);
 
 // ---- mouse (mouse.cpp) ----
 

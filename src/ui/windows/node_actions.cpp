@@ -280,61 +280,63 @@ void vga_nodew_cn(Widget widget, XtPointer, XtPointer) {
     not_available(widget);
 }
 
-void vga_nodew_start(Widget widget, XtPointer, XtPointer) {
+namespace {
+
+using ACTION = void (*)(vga_node_window* window, void* record);
+template <typename Record, void (*Function)(Record*)> void act(vga_node_window*, void* record) {
+    Function(static_cast<Record*>(record));
+}
+void activate_session(vga_node_window* window, void* record) {
+    open_dialog(window, VGA_UID_ACTIVATE_SESS_DIALOG, record);
+}
+void start_down_lu(vga_node_window*, void* record) {
+    vga_issue_define_downstream_lu(static_cast<vga_down_lu*>(record), vga_define_downstream_lu_cb);
+}
+void stop_node(vga_node_window* window, void* record) {
+    vga_stop_node(static_cast<vga_node*>(record), &window->common);
+}
+
+struct ACTION_ROW {
+    NB_BYTE type;
+    ACTION start;
+    ACTION stop; // null: it cannot be stopped
+};
+constexpr ACTION start_ls = act<vga_ls, vga_nodew_start_ls>;
+constexpr ACTION stop_ls = act<vga_ls, vga_nodew_stop_ls>;
+constexpr ACTION stop_sessions = act<vga_lu62, vga_nodew_deact_all_lu_sessions>;
+constexpr ACTION_ROW actions[] = {
+    {VGA_VIEWER_NODE, act<vga_node, vga_nodew_start_node>, stop_node},
+    {VGA_VIEWER_PORT, act<vga_port, vga_nodew_init_start_port>, act<vga_port, vga_nodew_stop_port>},
+    {VGA_VIEWER_LS, start_ls, stop_ls},
+    {VGA_VIEWER_LS_NO_PU, start_ls, stop_ls},
+    {VGA_VIEWER_LOCAL_PU, act<vga_pu, vga_nodew_start_pu>, act<vga_pu, vga_nodew_stop_pu>},
+    {VGA_VIEWER_LU62, activate_session, stop_sessions},
+    {VGA_VIEWER_DEPLU, activate_session, stop_sessions},
+    {VGA_VIEWER_MODE, activate_session, act<vga_mode, vga_nodew_deact_lu_lu_mode_sessions>},
+    {VGA_VIEWER_DOWN_LU, start_down_lu, nullptr},
+};
+
+void act_on_selection(Widget widget, ACTION ACTION_ROW::*action) {
     vga_node_window* window = usable_window(widget);
     NB_BYTE type;
     void* record = window != nullptr ? record_to_change(window, &type) : nullptr;
     if (record == nullptr) {
         return;
     }
-    switch (type) {
-    case VGA_VIEWER_NODE:
-        return vga_nodew_start_node(static_cast<vga_node*>(record));
-    case VGA_VIEWER_PORT:
-        return vga_nodew_init_start_port(static_cast<vga_port*>(record));
-    case VGA_VIEWER_LS:
-    case VGA_VIEWER_LS_NO_PU:
-        return vga_nodew_start_ls(static_cast<vga_ls*>(record));
-    case VGA_VIEWER_LOCAL_PU:
-        return vga_nodew_start_pu(static_cast<vga_pu*>(record));
-    case VGA_VIEWER_LU62:
-    case VGA_VIEWER_DEPLU:
-    case VGA_VIEWER_MODE:
-        return open_dialog(window, VGA_UID_ACTIVATE_SESS_DIALOG, record);
-    case VGA_VIEWER_DOWN_LU:
-        vga_issue_define_downstream_lu(static_cast<vga_down_lu*>(record),
-                                       vga_define_downstream_lu_cb);
-        return;
-    default:
-        VGA_ASSERT_TEXT(false, "FALSE");
+    const auto* row = std::ranges::find(actions, type, &ACTION_ROW::type);
+    const bool known = row != std::end(actions) && row->*action != nullptr;
+    if (VGA_ASSERT_TEXT(known, "FALSE")) {
+        (row->*action)(window, record);
     }
 }
 
+} // namespace
+
+void vga_nodew_start(Widget widget, XtPointer, XtPointer) {
+    act_on_selection(widget, &ACTION_ROW::start);
+}
 void vga_nodew_stop(Widget widget, XtPointer, XtPointer) {
-    vga_node_window* window = usable_window(widget);
-    NB_BYTE type;
-    void* record = window != nullptr ? record_to_change(window, &type) : nullptr;
-    if (record == nullptr) {
-        return;
-    }
-    switch (type) {
-    case VGA_VIEWER_NODE:
-        return vga_stop_node(static_cast<vga_node*>(record), &window->common);
-    case VGA_VIEWER_PORT:
-        return vga_nodew_stop_port(static_cast<vga_port*>(record));
-    case VGA_VIEWER_LS:
-    case VGA_VIEWER_LS_NO_PU:
-        return vga_nodew_stop_ls(static_cast<vga_ls*>(record));
-    case VGA_VIEWER_LOCAL_PU:
-        return vga_nodew_stop_pu(static_cast<vga_pu*>(record));
-    case VGA_VIEWER_LU62:
-    case VGA_VIEWER_DEPLU:
-        return vga_nodew_deact_all_lu_sessions(static_cast<vga_lu62*>(record));
-    case VGA_VIEWER_MODE:
-        return vga_nodew_deact_lu_lu_mode_sessions(static_cast<vga_mode*>(record));
-    default:
-        VGA_ASSERT_TEXT(false, "FALSE");
-    }
+    act_on_selection(widget, &ACTION_ROW::stop);
 }
 
 void vga_nodew_copy(Widget widget, XtPointer, XtPointer) {
