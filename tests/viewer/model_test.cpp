@@ -2,6 +2,10 @@
 // and the pixels of the window must agree.
 #include "viewer/fixture.h"
 
+#include "shell/globals.h"
+
+#include <X11/extensions/XTest.h>
+#include <X11/keysym.h>
 #include <algorithm>
 #include <random>
 
@@ -26,6 +30,14 @@ public:
     std::mt19937 random{GetParam()};
 
     int below(int limit) { return static_cast<int>(random() % static_cast<unsigned>(limit)); }
+
+    // A real modifier key, or none.
+    static void hold(KeySym modifier, bool down) {
+        if (modifier != NoSymbol) {
+            XTestFakeKeyEvent(gvga_display, XKeysymToKeycode(gvga_display, modifier), down,
+                              CurrentTime);
+        }
+    }
 
     // ---- the model's rules, told as sets over plain lists ----
 
@@ -360,23 +372,30 @@ public:
             return place < all.size() ? all[place] : nullptr;
         };
         Model_row* row = at(first);
-        const unsigned state = below(2) ? ControlMask : 0;
-        arm(100, first, state);
+        const KeySym modifier = below(2) ? XK_Control_L : NoSymbol;
+        const int x = root.view_width - 2; // behind every expand box
+        hold(modifier, true);
+        move_pointer(x, first);
+        press(1, true);
+        pump();
         outline = nullptr;
         if (row && selectable(row)) {
-            select(row, state != 0, false, false, false);
+            select(row, modifier != NoSymbol, false, false, false);
         }
         dragged = row && anchor ? row : nullptr;
         for (int moves = below(5); moves > 0; --moves) {
             const int y = below(root.view_height);
-            drag(y);
+            move_pointer(x, y);
+            pump();
             if (dragged) {
                 drag_over(at(y) ? at(y) : all.back());
             }
             check();
             check_pixels();
         }
-        release(299, root.view_height - 1);
+        press(1, false);
+        hold(modifier, false);
+        pump();
         dragged = nullptr;
     }
 
