@@ -6,6 +6,7 @@
 #include <fcntl.h>
 #include <filesystem>
 #include <poll.h>
+#include <sys/prctl.h>
 #include <sys/wait.h>
 #include <thread>
 #include <unistd.h>
@@ -43,6 +44,8 @@ pid_t start(const std::vector<std::string>& arguments, const ENVIRONMENT& enviro
     argv.push_back(nullptr);
     const pid_t child = fork();
     if (child == 0) {
+        prctl(PR_SET_PDEATHSIG,
+              SIGKILL); // a test that crashes leaves nothing that keeps its output
         for (const auto& [name, value] : environment) {
             value.empty() ? unsetenv(name.c_str()) : setenv(name.c_str(), value.c_str(), 1);
         }

@@ -81,7 +81,7 @@ protected:
             console.key(static_cast<KeySym>(static_cast<unsigned char>(c)),
                         c >= 'A' && c <= 'Z' ? ShiftMask : 0);
         }
-        EXPECT_EQ(text(widget).size(), value.size());
+        EXPECT_EQ(strcasecmp(text(widget).c_str(), value.c_str()), 0) << text(widget); // some upper
     }
     void press_ok() {
         console.click(XmMessageBoxGetChild(dialog()->form.common.widget, XmDIALOG_OK_BUTTON));
@@ -427,12 +427,21 @@ protected:
 
 TEST_F(NodeInDomain, TheNameOfAnLuOfAnotherNodeMayBeTaken) {
     ASSERT_EQ(node()->node_state, VGA_NODE_STATE_STOPPED);
+    NB_NAME8E name;
+    van_ascii_to_ebcdic(name, "ZRH10001", sizeof name);
+    ASSERT_TRUE(console.wait(
+        [&] {
+            void* found = nullptr;
+            return vga_check_lu_name_clash(name, node(), &found) == VGA_CLASH_OTHER_LU03;
+        },
+        5000))
+        << "the other node is built";
     open();
     type(dialog()->cp_name, "ZRH10001");
     service.control("journal clear");
     press_ok();
     expect_message(799, "Cancel");
-    EXPECT_EQ(count("NAP_DEFINE_NODE"), 0);
+    ASSERT_EQ(count("NAP_DEFINE_NODE"), 0);
     press_ok();
     expect_message(799, "OK");
     EXPECT_TRUE(console.wait([] { return dialog() == nullptr; }, 5000));
