@@ -54,7 +54,7 @@ Service::Service(const std::string& counts) {
     }
     directory_ = directory;
     socket_ = directory_ + "/node";
-    setenv("TESSALY_NODE_SOCKET", socket_.c_str(), 1);
+    choose();
     int ready[2];
     if (pipe(ready) != 0) {
         fail("no pipe");
@@ -74,6 +74,10 @@ Service::Service(const std::string& counts) {
         fail("the simulated node does not start");
     }
     close(ready[0]);
+}
+
+void Service::choose() const {
+    setenv("TESSALY_NODE_SOCKET", socket_.c_str(), 1);
 }
 
 Service::~Service() {

@@ -28,6 +28,8 @@ public:
     Service(const Service&) = delete;
     Service& operator=(const Service&) = delete;
     const std::string& socket() const { return socket_; }
+    // Names it to this program as its node service, in place of another.
+    void choose() const;
 
     // Processor time that some work takes here and in the service.
     double seconds(auto&& work) const {

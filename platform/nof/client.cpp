@@ -55,7 +55,8 @@ struct Client {
     VPM_ADD_INPUT add_input = nullptr;
     VPM_REMOVE_INPUT remove_input = nullptr;
     int io_limit = DEFAULT_IO_LIMIT;
-    int wake_fd = -1; // readable while something can be delivered that the socket does not announce
+    int wake_fd = -1;   // readable while there is something to do that the socket does not announce
+    bool awake = false; // it is readable
     XtInputId read_input = 0;
     XtInputId write_input = 0;
     XtInputId wake_input = 0;
@@ -104,10 +105,31 @@ bool deliverable() {
                             (client.indication_owed && client.indication_callback != nullptr)));
 }
 
+void wake() {
+    if (!client.awake && client.wake_fd >= 0) {
+        client.awake = eventfd_write(client.wake_fd, 1) == 0;
+    }
+}
+
+void sleep_again() {
+    if (client.awake) {
+        eventfd_t count;
+        eventfd_read(client.wake_fd, &count);
+        client.awake = false;
+    }
+}
+
 void wake_if_deliverable() {
-    if (deliverable() && client.wake_fd >= 0) {
-        const eventfd_t one = 1;
-        eventfd_write(client.wake_fd, one);
+    if (deliverable()) {
+        wake();
+    }
+}
+
+// Sends what is queued, the rest when the socket takes it.
+void flush_link() {
+    link_flush(&client.link);
+    if (client.link.out.size() != 0) {
+        add_input(&client.write_input, client.link.socket, XtInputWriteMask, on_writable);
     }
 }
 
@@ -243,6 +265,7 @@ void take_frame(const Frame& frame) {
 void call_back(Request* request) {
     const Request done = *request;
     forget(request);
+    wake_if_deliverable();
     done.callback(done.target, done.vcb, done.correlator, 0);
 }
 
@@ -255,6 +278,7 @@ bool deliver_indication(const Frame& frame) {
     }
     std::memcpy(block, frame.block, length);
     take_frame(frame);
+    wake_if_deliverable();
     if (client.indication_callback != nullptr) {
         client.indication_callback(frame.header.target, block, frame.header.correlator, 0);
     }
@@ -309,7 +333,7 @@ bool deliver_loss() {
     return true;
 }
 
-// One turn of the event loop.
+// One turn of the event loop. What the callbacks issue goes out together.
 void deliver() {
     client.delivering = true;
     for (int delivered = 0; delivered < client.io_limit; ++delivered) {
@@ -318,7 +342,12 @@ void deliver() {
         }
     }
     client.delivering = false;
-    wake_if_deliverable();
+    flush_link();
+    if (!deliverable()) {
+        sleep_again();
+    } else {
+        wake();
+    }
 }
 
 void on_readable(XtPointer, int*, XtInputId*) {
@@ -336,14 +365,13 @@ void on_writable(XtPointer, int*, XtInputId*) {
 }
 
 void on_wake(XtPointer, int*, XtInputId*) {
-    eventfd_t count;
-    eventfd_read(client.wake_fd, &count);
+    sleep_again();
     deliver();
 }
 
 // ---- issuing ----
 
-// Sends the request of a verb. Null when there is no memory.
+// Sends the request of a verb, in a delivery at its end. Null when there is no memory.
 Request* send_request(NB_HANDLE target, void* vcb, std::size_t block_length, NOF_CALLBACK callback,
                       NB_ULONG correlator) {
     Request* request = new (std::nothrow) Request{};
@@ -373,13 +401,15 @@ Request* send_request(NB_HANDLE target, void* vcb, std::size_t block_length, NOF
     frame.correlator = correlator;
     frame.block_length = request->block_length;
     frame.buffer_capacity = request->capacity;
-    if (!link_send(&client.link, frame, vcb)) {
+    if (!link_queue(&client.link, frame, vcb)) {
         delete request;
         return nullptr;
     }
     nba_add_to_q_tail(&client.outstanding, &request->link, request);
-    if (client.link.out.size() != 0) {
-        add_input(&client.write_input, client.link.socket, XtInputWriteMask, on_writable);
+    if (client.delivering) {
+        wake(); // for an event loop in the callback
+    } else {
+        flush_link();
     }
     return request;
 }
@@ -425,6 +455,7 @@ void wait_for_link(std::chrono::steady_clock::time_point deadline) {
 // event loop.
 void complete_immediately(Request* request) {
     const auto deadline = std::chrono::steady_clock::now() + IMMEDIATE_TIMEOUT;
+    flush_link();
     while (!take_answer(*request)) {
         if (client.lost) {
             set_codes(request->vcb, NAP_INDICATION, NAP_LINK_LOST);

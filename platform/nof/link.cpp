@@ -74,11 +74,15 @@ bool link_open(Link* link, const char* path) {
     hello.length = sizeof hello;
     hello.kind = WIRE_HELLO;
     hello.version = WIRE_VERSION;
-    if (!link_send(link, hello, nullptr) || !receive_hello(link)) {
-        link_free(link);
-        return false;
+    bool greeted = link_queue(link, hello, nullptr);
+    if (greeted) {
+        link_flush(link);
+        greeted = receive_hello(link);
     }
-    return true;
+    if (!greeted) {
+        link_free(link);
+    }
+    return greeted;
 }
 
 void link_close(Link* link) {
@@ -95,7 +99,7 @@ void link_free(Link* link) {
     link->client_server = false;
 }
 
-bool link_send(Link* link, const WIRE_FRAME& header, const void* block) {
+bool link_queue(Link* link, const WIRE_FRAME& header, const void* block) {
     if (!make_room(&link->out, sizeof header + header.block_length)) {
         return false;
     }
@@ -105,7 +109,6 @@ bool link_send(Link* link, const WIRE_FRAME& header, const void* block) {
         std::memcpy(link->out.memory + link->out.tail, block, header.block_length);
         link->out.tail += header.block_length;
     }
-    link_flush(link);
     return true;
 }
 

@@ -31,10 +31,9 @@ void link_close(Link* link);
 // Closes the socket and forgets all bytes.
 void link_free(Link* link);
 
-// Sends a request frame with its block, or queues what the socket does not take now. False when
-// there is no memory; a connection that broke shows when it is read.
-bool link_send(Link* link, const WIRE_FRAME& header, const void* block);
-// Sends queued bytes as far as the socket takes them.
+// Queues a request frame with its block. False when there is no memory.
+bool link_queue(Link* link, const WIRE_FRAME& header, const void* block);
+// Sends queued bytes as far as the socket takes them. A connection that broke shows when it is read.
 void link_flush(Link* link);
 // Takes what the socket has, up to some 64 KiB.
 ReadState link_read(Link* link);

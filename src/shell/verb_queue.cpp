@@ -257,10 +257,10 @@ bool matches(const VGA_QUEUE_ENTRY& entry, NB_HANDLE target, NB_USHORT opcode, c
 }
 
 // Windows that wait to be repainted are brought up to date before an answer changes the store.
-// Asking the server for its events would cost a round trip per answer, so this looks only at what
-// has arrived already.
+// Asking the server or the connection for events would cost a call per answer, so this looks only
+// at what the event loop has read.
 void flush_exposures() {
-    if (gvga_display != nullptr && XPending(gvga_display) > 0) {
+    if (gvga_display != nullptr && XQLength(gvga_display) > 0) {
         XmUpdateDisplay(gvga_toplevel);
     }
 }

@@ -10,6 +10,7 @@
 #include <cairo.h>
 #include <librsvg/rsvg.h>
 
+#include <algorithm>
 #include <array>
 #include <cmath>
 #include <cstdint>
@@ -19,6 +20,7 @@
 #include <filesystem>
 #include <fstream>
 #include <iostream>
+#include <iterator>
 #include <limits>
 #include <string>
 #include <string_view>
@@ -147,16 +149,22 @@ char letter(std::uint32_t pixel) {
     return best;
 }
 
-void write_colours(std::ostream& out, const char* name, COLOUR INK::*ink_form, COLOUR ground,
-                   const char* ground_name) {
+// The colour table of one image, with the letters it uses only: the X server is asked for each
+// colour of each table when the icons are loaded.
+void write_colours(std::ostream& out, const std::string& name, COLOUR INK::*ink_form, COLOUR ground,
+                   const char* ground_name, std::string_view used) {
     out << "value\n    " << name << ": color_table(" << ground_name << " = ' '";
     std::size_t index = 0;
     for (const INK& ink : inks) {
         for (const double blend : blends) {
+            const char letter = letters[index++];
+            if (used.find(letter) == std::string_view::npos) {
+                continue;
+            }
             const COLOUR c = mix(ink.*ink_form, ground, blend);
             char text[64];
             std::snprintf(text, sizeof text, ",\n        color('#%02X%02X%02X') = '%c'", c.r, c.g,
-                          c.b, letters[index++]);
+                          c.b, letter);
             out << text;
         }
     }
@@ -164,8 +172,8 @@ void write_colours(std::ostream& out, const char* name, COLOUR INK::*ink_form, C
 }
 
 template <typename PIXEL>
-void write_icon(std::ostream& out, const std::string& name, const char* colours, const IMAGE& image,
-                PIXEL pixel) {
+void write_icon(std::ostream& out, const std::string& name, const std::string& colours,
+                const IMAGE& image, PIXEL pixel) {
     out << "value\n    " << name << ": exported icon(color_table = " << colours;
     for (int y = 0; y < image.height; ++y) {
         out << ",\n        '";
@@ -216,9 +224,6 @@ int main(int argc, char** argv) {
     out << "module " << module << "\n    names = case_sensitive\n";
     if (bitmap) {
         out << "value\n    two_colours: color_table(background color = ' ', foreground color = '*');\n";
-    } else {
-        write_colours(out, "on_light", &INK::on_light, light_ground, "background color");
-        write_colours(out, "on_dark", &INK::on_dark, dark_ground, "foreground color");
     }
     for (const std::string& file : files) {
         const IMAGE image = rasterise(file, unit);
@@ -230,8 +235,14 @@ int main(int argc, char** argv) {
             write_icon(out, name + "m_icon", "two_colours", image,
                        [](std::uint32_t p) { return alpha(p) >= 128 ? '*' : ' '; });
         } else {
-            write_icon(out, name + "_icon", "on_light", image, letter);
-            write_icon(out, name + "_iconi", "on_dark", image, letter);
+            std::string used;
+            std::ranges::transform(image.argb, std::back_inserter(used), letter);
+            write_colours(out, name + "_light", &INK::on_light, light_ground, "background color",
+                          used);
+            write_icon(out, name + "_icon", name + "_light", image, letter);
+            write_colours(out, name + "_dark", &INK::on_dark, dark_ground, "foreground color",
+                          used);
+            write_icon(out, name + "_iconi", name + "_dark", image, letter);
         }
     }
     out << "end module;\n";
