@@ -55,6 +55,7 @@ void end_store() {
     vga_destroy_data_structures();
     nof_terminate();
     vga_free_verb_queues();
+    nba_hm_terminate();
 }
 
 std::size_t allocated() {

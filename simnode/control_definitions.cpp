@@ -5,7 +5,6 @@
 #include "nba/nba.h"
 #include "nof/cn.h"
 #include "nof/connectivity.h"
-#include "nof/extra_data.h"
 #include "nof/pool.h"
 #include "nof/security.h"
 #include "nof/tn3270.h"
@@ -27,24 +26,6 @@ bool is_member(Kind kind) {
 const Record* holder_of_member(const Node& node, Kind kind, const std::string& key) {
     return kind == Kind::cn_port ? find(node.of(Kind::cn), key.substr(0, sizeof(NB_FQNAME)))
                                  : find(node.of(holder_of(kind)->kind), key);
-}
-
-// What a kind's define block says beside the entry's fields.
-void complete_define(const KindRow& row, const Bytes& entry, Bytes& block) {
-    if (row.kind == Kind::extra_data) {
-        reinterpret_cast<DEFINE_EXTRA_DATA*>(block.data())->resource_kind =
-            NOF_EXTRA_DATA_LU_0_TO_3;
-    } else if (row.kind == Kind::userid) {
-        reinterpret_cast<DEFINE_USERID_PASSWORD*>(block.data())->define_type = 1;
-    } else if (row.kind == Kind::pool) {
-        auto& verb = *reinterpret_cast<DEFINE_LU_POOL*>(block.data());
-        const auto& pool = *reinterpret_cast<const LU_POOL_ENTRY*>(entry.data());
-        verb.num_lus = !is_blank(pool.lu_name, sizeof pool.lu_name);
-        std::memcpy(verb.lu_names[0], pool.lu_name, sizeof pool.lu_name);
-    } else if (row.kind == Kind::cn) {
-        // Its ports stay as they are.
-        reinterpret_cast<DEFINE_CN*>(block.data())->def.num_ports = 0;
-    }
 }
 
 // What follows from other records.
@@ -87,24 +68,6 @@ ControlAnswer define_member(Service& service, const Place& place, const KindRow&
     std::memcpy(verb.port_names[0], reinterpret_cast<const CN_PORT_ENTRY*>(entry.data())->port_name,
                 8);
     return answer_of(act(service, place.node, std::move(block)));
-}
-
-// The delete block of one record, its key copied from the entry.
-Bytes delete_of_entry(const KindRow& row, const Bytes& entry) {
-    const NBA_VERB_ROW* verb = vnv_verb_search(row.remove, 0, 0);
-    Bytes block(verb->block_size);
-    vcb_header(block.data())->opcode = row.remove;
-    for (std::size_t i = 0; i < row.key.size(); ++i) {
-        std::memcpy(block.data() + row.remove_key[i].offset, entry.data() + row.key[i].offset,
-                    row.remove_key[i].length);
-    }
-    if (row.kind == Kind::userid) {
-        reinterpret_cast<DELETE_USERID_PASSWORD*>(block.data())->delete_type = NAP_REMOVE_USER;
-    } else if (row.kind == Kind::extra_data) {
-        reinterpret_cast<DELETE_EXTRA_DATA*>(block.data())->resource_kind =
-            NOF_EXTRA_DATA_LU_0_TO_3;
-    }
-    return block;
 }
 
 // A template without one of its ranges: its definition with the others.
@@ -207,9 +170,7 @@ ControlAnswer define_resource(Service& service, Connection&, const Words& words)
         std::memcpy(entry.data(), &length, sizeof length);
         return define_member(service, place, *row, owner, entry);
     }
-    Bytes block = define_of_entry(*row, entry);
-    complete_define(*row, entry, block);
-    return answer_of(act(service, place.node, std::move(block)));
+    return answer_of(act(service, place.node, define_of_entry(*row, entry)));
 }
 
 ControlAnswer delete_resource(Service& service, Connection&, const Words& words) {

@@ -7,6 +7,7 @@
 #include "nof/trace.h"
 #include "simnode/definition_checks.h"
 #include "simnode/indications.h"
+#include "simnode/manage.h"
 #include "simnode/member_kinds.h"
 
 #include <cstdio>
@@ -38,6 +39,7 @@ Rc define_from_block(World& world, Node& node, const KindRow& row, std::span<con
         return rc;
     }
     const bool was_active = old != nullptr && lu_is_active(row.kind, *old);
+    const bool was_independent = old != nullptr && old->parent.empty();
     const Record& stored = store(node, row, record.entry);
     define_nested(node, row, block, stored);
     if (row.kind == Kind::ls) {
@@ -49,6 +51,10 @@ Rc define_from_block(World& world, Node& node, const KindRow& row, std::span<con
     }
     if (row.kind == Kind::lu_0_to_3 && active != was_active) {
         indicate_lu_0_to_3(world, node, stored);
+    }
+    if (row.kind == Kind::local_lu && was_independent && !stored.parent.empty()) {
+        follow_sessions(world, node, stored.key);
+        indicate_local_lu(world, node, stored); // nobody was told as long as it was independent
     }
     return {};
 }
@@ -242,16 +248,17 @@ Rc delete_lu_range(Request& request) {
     if (range.first == 0 || range.first > range.last) {
         return RC_BAD_VALUE;
     }
-    bool any = false;
+    std::string pu; // a range is one PU's: that of the first LU found
     for (int address = range.last; address >= range.first; --address) {
         NB_NAME8E name;
         name_in_range(range, address, name);
-        if (Record* lu = find_name8(node, kind, name)) {
+        if (Record* lu = find_name8(node, kind, name);
+            lu != nullptr && (pu.empty() || lu->parent == pu)) {
+            pu = lu->parent;
             remove_record(node, kind, *lu);
-            any = true;
         }
     }
-    return any ? Rc{} : RC_UNKNOWN_NAME;
+    return !pu.empty() ? Rc{} : RC_UNKNOWN_NAME;
 }
 
 namespace {

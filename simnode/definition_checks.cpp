@@ -70,7 +70,10 @@ Rc check_local_lu(Node& node, const Record& record) {
             return RC_NAME_IN_USE;
         }
     }
-    return dependent(record) ? check_lu(node, Kind::local_lu, record) : Rc{};
+    if (!dependent(record)) {
+        return {};
+    }
+    return is_control_point(node, record) ? RC_BAD_VALUE : check_lu(node, Kind::local_lu, record);
 }
 
 Rc check_ls(Node& node, const Record& record) {

@@ -1,6 +1,10 @@
 #include "simnode/journal.h"
 
 #include "nba/nba.h"
+#include "nof/connectivity.h"
+#include "nof/lu62.h"
+#include "nof/node.h"
+#include "nof/pu_lu.h"
 #include "nof/security.h"
 #include "nof/tn3270.h"
 #include "nof/user.h"
@@ -65,21 +69,25 @@ struct NamedVerb {
     bool ebcdic;
 };
 
+// A verb and the field of its block that names what it is about.
+#define NAMED(verb, field, ebcdic)                                                                 \
+    { NAP_##verb, offsetof(verb, field), sizeof(std::declval<verb&>().field), ebcdic }
+
 constexpr NamedVerb named_verbs[] = {
-    {NAP_START_DLC, 12, 8, false},
-    {NAP_START_PORT, 12, 8, false},
-    {NAP_START_LS, 12, 8, false},
-    {NAP_STOP_DLC, 13, 8, false},
-    {NAP_STOP_PORT, 13, 8, false},
-    {NAP_STOP_LS, 13, 8, false},
-    {NAP_START_INTERNAL_PU, 12, 8, true},
-    {NAP_STOP_INTERNAL_PU, 12, 8, true},
-    {NAP_ACTIVATE_SESSION, 12, 8, true},
-    {NAP_DEACTIVATE_SESSION, 12, 8, true},
-    {NAP_CONNECT_NODE, 13, 128, false},
-    {NAP_QUERY_NODE_ALL, 38, 128, false},
-    {NAP_DEFINE_LU_0_TO_3_RANGE, 12, 6, true},
-    {NAP_DEFINE_DOWNSTREAM_LU_RANGE, 12, 5, true},
+    NAMED(START_DLC, name, false),
+    NAMED(START_PORT, name, false),
+    NAMED(START_LS, ls_name, false),
+    NAMED(STOP_DLC, name, false),
+    NAMED(STOP_PORT, name, false),
+    NAMED(STOP_LS, ls_name, false),
+    NAMED(START_INTERNAL_PU, pu_name, true),
+    NAMED(STOP_INTERNAL_PU, pu_name, true),
+    NAMED(ACTIVATE_SESSION, lu_name, true),
+    NAMED(DEACTIVATE_SESSION, lu_name, true),
+    NAMED(CONNECT_NODE, node_name, false),
+    NAMED(QUERY_NODE_ALL, node_name, false),
+    NAMED(DEFINE_LU_0_TO_3_RANGE, base_name, true),
+    NAMED(DEFINE_DOWNSTREAM_LU_RANGE, base_name, true),
 };
 
 std::string name_in_block(std::span<const NB_BYTE> block) {

@@ -1,5 +1,5 @@
 // The table of kinds.
-#include "simnode/kinds.h"
+#include "simnode/kind_copies.h"
 
 #include "nof/cn.h"
 #include "nof/connectivity.h"
@@ -27,44 +27,10 @@ namespace {
 #define NUMBER(type, field)                                                                        \
     { offsetof(type, field), sizeof(std::declval<type&>().field), true }
 
-constexpr NB_USHORT ENTRY_NAME8 = 4;
-
-constexpr Copy dlc_copies[] = {{12, 4, 8}, {20, 36, 64}};
-constexpr Copy port_copies[] = {{12, 4, 8}, {20, 44, 700}};
-constexpr Copy ls_copies[] = {{12, 4, 8}, {20, 512, 488}};
-constexpr Copy dlur_pu_copies[] = {{12, 2, 8},   {20, 10, 32},  {52, 67, 1},  {68, 68, 17},
-                                   {85, 85, 17}, {102, 102, 4}, {110, 106, 1}};
-constexpr Copy lu_0_to_3_copies[] = {{12, 4, 8}, {20, 516, 116}};
-constexpr Copy downstream_lu_copies[] = {{12, 4, 8}, {20, 16, 76}};
-constexpr Copy local_lu_copies[] = {{12, 4, 8}, {20, 20, 296}};
-constexpr Copy mode_definition_copies[] = {{12, 4, 8}, {20, 12, 108}};
-constexpr Copy directory_copies[] = {
-    {12, 2, 17}, {30, 20, 2}, {32, 22, 48}, {80, 70, 17}, {98, 88, 2}};
-constexpr Copy partner_definition_copies[] = {{12, 2, 17}, {29, 19, 79}};
-constexpr Copy cos_copies[] = {{12, 2, 8}, {20, 10, 32}, {52, 42, 1}};
-constexpr Copy cn_copies[] = {{12, 2, 17}, {29, 19, 80}};
-constexpr Copy timeout_copies[] = {{12, 2, 18}, {30, 20, 2}};
-constexpr Copy ls_routing_copies[] = {{12, 4, 34}, {46, 38, 58}};
-constexpr Copy tp_copies[] = {{12, 4, 64}, {76, 68, 192}};
-constexpr Copy tp_load_copies[] = {{12, 4, 72}, {84, 76, 184}};
-constexpr Copy dspu_template_copies[] = {{12, 4, 8}, {20, 12, 62}};
-constexpr Copy primary_line_copies[] = {{12, 2, 14}, {26, 16, 64}};
-constexpr Copy primary_lu0_copies[] = {{12, 4, 8}, {20, 12, 192}};
-constexpr Copy userid_copies[] = {{13, 2, 10}, {32, 12, 162}};
-constexpr Copy access_list_copies[] = {{12, 4, 14}, {26, 18, 50}, {80, 72, 16}};
-constexpr Copy lu_lu_password_copies[] = {{12, 4, 33}, {45, 37, 67}};
-constexpr Copy tn_client_copies[] = {{12, 4, 258}, {270, 262, 54}, {328, 320, 64}};
-constexpr Copy association_copies[] = {{12, 4, 8}, {20, 12, 64}};
-constexpr Copy redirect_copies[] = {{12, 4, 342}, {354, 346, 518}};
-constexpr Copy pool_copies[] = {{12, 2, 8}, {20, 18, 32}};
-constexpr Copy extra_data_copies[] = {{14, 2, 134}};
-constexpr Copy user_copies[] = {{12, 4, 32}, {44, 36, 60}, {108, 100, 24}};
-constexpr Copy cpic_copies[] = {{20, 4, 8}, {28, 12, 200}};
-constexpr Copy rje_copies[] = {{12, 4, 4}, {16, 8, 300}};
-
-constexpr Key name8 = {{{ENTRY_NAME8, 8}}};
-constexpr Key query_name8 = {{{38, 8}}};
-constexpr Key remove_name8 = {{{12, 8}}};
+// Most kinds have a name of 8 bytes, at the same place in their blocks.
+constexpr Key name8 = {{PIECE(DLC_ENTRY, dlc_name)}};
+constexpr Key query_name8 = {{PIECE(QUERY_DLC, dlc_name)}};
+constexpr Key remove_name8 = {{PIECE(DELETE_BY_NAME8, name)}};
 
 constexpr std::uint64_t any_pu = kind_bit(Kind::pu) | kind_bit(Kind::dlur_pu);
 
@@ -377,7 +343,7 @@ constexpr KindRow rows[] = {
     {.kind = Kind::dslu_template,
      .name = "dslu_template",
      .entry_size = sizeof(DSLU_TEMPLATE),
-     .key = {{PIECE(DSLU_TEMPLATE, first_nau)}},
+     .key = {{PIECE(DSLU_TEMPLATE, first_nau), PIECE(DSLU_TEMPLATE, last_nau)}},
      .parents = kind_bit(Kind::dspu_template),
      .owned = true,
      .owner = "template",

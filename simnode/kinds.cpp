@@ -1,5 +1,10 @@
 #include "simnode/kinds.h"
 
+#include "nof/cn.h"
+#include "nof/extra_data.h"
+#include "nof/lu62.h"
+#include "nof/pool.h"
+#include "nof/security.h"
 #include "nof/tn3270.h"
 
 #include <algorithm>
@@ -112,6 +117,10 @@ Record make_record(const KindRow& row, Bytes entry, const std::string& owner) {
     Record record;
     record.key = owner + make_key(row.key, entry.data());
     record.parent = row.owned ? owner : parent_name(row.parent, entry.data());
+    if (row.kind == Kind::local_lu &&
+        reinterpret_cast<const LU62_ENTRY*>(entry.data())->def.nau_address == 0) {
+        record.parent.clear(); // an independent LU, whatever PU it was once below
+    }
     const auto length = static_cast<NB_USHORT>(entry.size());
     std::memcpy(entry.data(), &length, sizeof length);
     record.entry = std::move(entry);
@@ -170,6 +179,24 @@ Bytes define_of_nested(const KindRow& row, const Bytes& owner, const Bytes& entr
     return block;
 }
 
+// What a kind's define block says beside the entry's fields.
+static void complete_define(const KindRow& row, const Bytes& entry, Bytes& block) {
+    if (row.kind == Kind::extra_data) {
+        reinterpret_cast<DEFINE_EXTRA_DATA*>(block.data())->resource_kind =
+            NOF_EXTRA_DATA_LU_0_TO_3;
+    } else if (row.kind == Kind::userid) {
+        reinterpret_cast<DEFINE_USERID_PASSWORD*>(block.data())->define_type = 1;
+    } else if (row.kind == Kind::pool) {
+        auto& verb = *reinterpret_cast<DEFINE_LU_POOL*>(block.data());
+        const auto& pool = *reinterpret_cast<const LU_POOL_ENTRY*>(entry.data());
+        verb.num_lus = !is_blank(pool.lu_name, sizeof pool.lu_name);
+        std::memcpy(verb.lu_names[0], pool.lu_name, sizeof pool.lu_name);
+    } else if (row.kind == Kind::cn) {
+        // Its ports stay as they are.
+        reinterpret_cast<DEFINE_CN*>(block.data())->def.num_ports = 0;
+    }
+}
+
 Bytes define_of_entry(const KindRow& row, const Bytes& entry) {
     Bytes block(row.define_size);
     for (const Copy& copy : row.copies) {
@@ -180,6 +207,24 @@ Bytes define_of_entry(const KindRow& row, const Bytes& entry) {
     block.insert(block.end(), entry.begin() + row.entry_size,
                  entry.begin() + row.entry_size + static_cast<std::ptrdiff_t>(specific));
     vcb_header(block.data())->opcode = row.define;
+    complete_define(row, entry, block);
+    return block;
+}
+
+Bytes delete_of_entry(const KindRow& row, const Bytes& entry) {
+    const NBA_VERB_ROW* verb = vnv_verb_search(row.remove, 0, 0);
+    Bytes block(verb->block_size);
+    vcb_header(block.data())->opcode = row.remove;
+    for (std::size_t i = 0; i < row.key.size(); ++i) {
+        std::memcpy(block.data() + row.remove_key[i].offset, entry.data() + row.key[i].offset,
+                    row.remove_key[i].length);
+    }
+    if (row.kind == Kind::userid) {
+        reinterpret_cast<DELETE_USERID_PASSWORD*>(block.data())->delete_type = NAP_REMOVE_USER;
+    } else if (row.kind == Kind::extra_data) {
+        reinterpret_cast<DELETE_EXTRA_DATA*>(block.data())->resource_kind =
+            NOF_EXTRA_DATA_LU_0_TO_3;
+    }
     return block;
 }
 

@@ -186,6 +186,8 @@ NB_ULONG read_count(const NB_BYTE* field, NB_BYTE width);
 void write_count(NB_BYTE* field, NB_BYTE width, std::size_t count);
 // The reverse: the define block, header included, that makes such an entry.
 Bytes define_of_entry(const KindRow& row, const Bytes& entry);
+// The delete block of a record, its key copied from the entry.
+Bytes delete_of_entry(const KindRow& row, const Bytes& entry);
 // The define block of a nested record's owner that adds the record.
 Bytes define_of_nested(const KindRow& row, const Bytes& owner, const Bytes& entry);
 

@@ -328,9 +328,6 @@ Record& mode_of(Node& node, const Record& lu, const Record& partner, const NB_NA
 
 } // namespace
 
-namespace {
-
-// A dependent LU is in session while it has sessions.
 void follow_sessions(World& world, Node& node, const std::string& name) {
     Record* lu = find(node.of(Kind::local_lu), name);
     if (lu == nullptr || lu->as<LU62_ENTRY>().def.nau_address == 0) {
@@ -345,8 +342,6 @@ void follow_sessions(World& world, Node& node, const std::string& name) {
         indicate(world, node, Kind::local_lu, *lu, false);
     }
 }
-
-} // namespace
 
 void set_sessions(World& world, Node& node, const Record& lu, const NB_FQNAME& partner_name,
                   const NB_NAME8E& mode_name, const NB_FQNAME& cp, NB_USHORT count) {

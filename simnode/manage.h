@@ -30,6 +30,8 @@ void deactivate_pu(World& world, Node& node, Kind kind, Record& pu);
 // records of partner and mode as needed. cp: the partner's control point, blank when unknown.
 void set_sessions(World& world, Node& node, const Record& lu, const NB_FQNAME& partner,
                   const NB_NAME8E& mode, const NB_FQNAME& cp, NB_USHORT count);
+// A dependent LU is in session while it has sessions.
+void follow_sessions(World& world, Node& node, const std::string& lu);
 // Ends all sessions of a local LU.
 void end_sessions_of(World& world, Node& node, const Record& lu);
 // Ends the sessions with every partner of a control point.

@@ -333,7 +333,7 @@ bool deliver_loss() {
     return true;
 }
 
-// One turn of the event loop. What the callbacks issue goes out together.
+// One turn of the event loop. What the callbacks issue goes out together, at the latest here.
 void deliver() {
     client.delivering = true;
     for (int delivered = 0; delivered < client.io_limit; ++delivered) {
@@ -371,7 +371,8 @@ void on_wake(XtPointer, int*, XtInputId*) {
 
 // ---- issuing ----
 
-// Sends the request of a verb, in a delivery at its end. Null when there is no memory.
+// Sends the request of a verb, or queues it while a delivery has more for the program. Null when
+// there is no memory.
 Request* send_request(NB_HANDLE target, void* vcb, std::size_t block_length, NOF_CALLBACK callback,
                       NB_ULONG correlator) {
     Request* request = new (std::nothrow) Request{};
@@ -406,9 +407,7 @@ Request* send_request(NB_HANDLE target, void* vcb, std::size_t block_length, NOF
         return nullptr;
     }
     nba_add_to_q_tail(&client.outstanding, &request->link, request);
-    if (client.delivering) {
-        wake(); // for an event loop in the callback
-    } else {
+    if (!client.delivering || client.checked == 0) {
         flush_link();
     }
     return request;
@@ -526,6 +525,7 @@ void nof_terminate() {
         while (Request* request = static_cast<Request*>(nba_get_q_head(&client.outstanding))) {
             forget(request);
         }
+        link_flush(&client.link);
         link_free(&client.link);
         close(client.wake_fd);
         end_private_service();

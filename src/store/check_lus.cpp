@@ -82,6 +82,9 @@ void vga_start_check_lu03(vga_node* node) {
 }
 
 void vga_check_lu03(VGA_COMPLETION* completion) {
+    if (nba_validate_handle(completion->corr) == nullptr) { // the PU has gone, others are to come
+        return vga_lu03_wait_restart_check(completion);
+    }
     auto* pu = static_cast<vga_pu*>(vga_check_record(completion, VGA_CHECK_LU03));
     if (pu == nullptr) {
         return;
@@ -118,6 +121,13 @@ void vga_start_check_down_lu(vga_node* node) {
 }
 
 void vga_check_down_lu(VGA_COMPLETION* completion) {
+    if (nba_validate_handle(completion->corr) == nullptr && !vga_target_gone(completion->vcb)) {
+        // The PU has gone, others are to come.
+        if (vga_node* node = vga_find_node_by_handle(completion->handle); node != nullptr) {
+            list_down_lus(node, ntl_avl_first<vga_pu>(node->down_pu_tree), nullptr);
+        }
+        return;
+    }
     auto* pu = static_cast<vga_pu*>(vga_check_record(completion, VGA_CHECK_DOWN_LU));
     if (pu == nullptr) {
         return;

@@ -119,7 +119,7 @@ void drop_replaced_pu(vga_ls* ls, const LS_ENTRY* old_entry, const LS_ENTRY* new
 // Gives a link station another port, with its row and those of its LUs.
 void move_to_port(vga_ls* ls, vga_port* port) {
     vga_viewer_root* root = &port->parent->parent->links_root;
-    const bool selected = ls->viewer.selected != 0 && root->select_count == 1;
+    const bool selected = vga_viewer_selected_alone(root, &ls->viewer);
     const bool expanded = ls->viewer.expanded != 0;
     vga_delete_viewer(root, &ls->viewer, true);
     ntl_avl_delete(&ls->parent->ls_tree, &ls->port_node);
@@ -134,9 +134,8 @@ void move_to_port(vga_ls* ls, vga_port* port) {
     if (expanded) {
         vga_expand_viewer(root, &ls->viewer);
     }
-    if (selected && port->viewer.expanded != 0) { // which has moved on when the row was taken out
-        vga_viewer_select(&ls->viewer, root, false, false, false, false);
-        vga_viewer_tell_owner(root, &ls->viewer);
+    if (selected) {
+        vga_viewer_select_again(root, &ls->viewer);
     }
 }
 

@@ -60,8 +60,13 @@ bool vga_move_nau_address(vga_pu* pu, NTL_AVL_NODE* nau_node, NB_BYTE* address, 
     *address = wanted;
     ntl_avl_insert(&pu->nau_tree, nau_node);
     if (vga_is_shown(*viewer)) {
-        vga_delete_viewer(&pu->parent->links_root, viewer, true);
+        vga_viewer_root* root = &pu->parent->links_root;
+        const bool selected = vga_viewer_selected_alone(root, viewer);
+        vga_delete_viewer(root, viewer, true);
         vga_show_dependent_lu(pu, *nau_node, viewer, type, nau_node->self);
+        if (selected) {
+            vga_viewer_select_again(root, viewer);
+        }
     }
     return true;
 }

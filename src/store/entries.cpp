@@ -6,6 +6,7 @@
 #include "store/record_util.h"
 #include "store/remove.h"
 #include "store/store.h"
+#include "store/tracking.h"
 
 namespace {
 
@@ -27,6 +28,17 @@ vga_node* node_of(const vga_page_context& context) {
     return static_cast<vga_node*>(context.owner);
 }
 
+// A record that was made by a definition before its kind's indications were asked for has the state
+// of that moment; a definition leaves it, a list tells the present one.
+template <typename Record, typename State>
+void take_state(const vga_page_context& context, State* state, const State& listed) {
+    if (std::memcmp(state, &listed, sizeof listed) != 0) {
+        *state = listed;
+        vga_update_row(&node_of(context)->links_root,
+                       &static_cast<Record*>(context.record)->viewer);
+    }
+}
+
 vga_cos* cos_of(vga_page_context& context, const COS_ROW_ENTRY* entry) {
     if (context.cos == nullptr || vga_compare_ebc8(context.cos->vcb.cos_name, entry->cos_name)) {
         context.cos = vga_find<vga_cos>(node_of(context)->cos_tree, entry->cos_name);
@@ -44,7 +56,11 @@ bool add_cos_row(vga_page_context& context, vga_cos_row* (*insert)(vga_cos_row*,
 } // namespace
 
 bool vga_entry_dlc(vga_page_context& context, const void* entry) {
-    return add(context, vga_init_vga_dlc, vga_insert_vga_dlc, node_of(context), entry);
+    if (!add(context, vga_init_vga_dlc, vga_insert_vga_dlc, node_of(context), entry)) {
+        return false;
+    }
+    static_cast<vga_dlc*>(context.record)->vcb->state = static_cast<const DLC_ENTRY*>(entry)->state;
+    return true;
 }
 
 bool vga_entry_port(vga_page_context& context, const void* raw) {
@@ -54,7 +70,12 @@ bool vga_entry_port(vga_page_context& context, const void* raw) {
         vga_log_missing_parent(18, NAP_QUERY_PORT, entry->def.dlc_name, 8);
         return true;
     }
-    return add(context, vga_init_vga_port, vga_insert_vga_port, dlc, entry);
+    if (!add(context, vga_init_vga_port, vga_insert_vga_port, dlc, entry)) {
+        return false;
+    }
+    take_state<vga_port>(context, &static_cast<vga_port*>(context.record)->vcb->state,
+                         entry->state);
+    return true;
 }
 
 bool vga_entry_ls(vga_page_context& context, const void* raw) {
@@ -67,7 +88,9 @@ bool vga_entry_ls(vga_page_context& context, const void* raw) {
     if (!add(context, vga_init_vga_ls, vga_insert_vga_ls, port, entry)) {
         return false;
     }
-    vga_add_ls_pu(static_cast<vga_ls*>(context.record));
+    auto* ls = static_cast<vga_ls*>(context.record);
+    take_state<vga_ls>(context, &ls->vcb->det, entry->det);
+    vga_add_ls_pu(ls);
     return gvga_exit_code == 0;
 }
 
@@ -97,9 +120,18 @@ bool vga_entry_local_pu(vga_page_context& context, const void* entry) {
 bool vga_entry_down_pu(vga_page_context& context, const void* entry) {
     return add(context, vga_init_vga_down_pu, vga_insert_vga_down_pu, node_of(context), entry);
 }
-bool vga_entry_lu03(vga_page_context& context, const void* entry) {
-    return add(context, vga_init_vga_lu03, vga_insert_vga_lu03, static_cast<vga_pu*>(context.owner),
-               entry);
+bool vga_entry_lu03(vga_page_context& context, const void* raw) {
+    auto* pu = static_cast<vga_pu*>(context.owner);
+    const auto* entry = static_cast<const LU03_ENTRY*>(raw);
+    vga_lu03* lu = vga_init_vga_lu03(pu, entry);
+    if (lu == nullptr) {
+        return false;
+    }
+    if (lu = vga_insert_vga_lu03(lu, pu); lu != nullptr) {
+        context.record = lu;
+        vga_take_lu03_detail(lu, entry->det_data);
+    }
+    return gvga_exit_code == 0;
 }
 bool vga_entry_down_lu(vga_page_context& context, const void* entry) {
     return add(context, vga_init_vga_down_lu, vga_insert_vga_down_lu,

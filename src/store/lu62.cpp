@@ -126,7 +126,9 @@ void merge(vga_lu62* lu, const LU62_ENTRY& entry) {
         lu->vcb = entry;
     } else {
         const LU62_ENTRY old_entry = lu->vcb;
-        vga_delete_row(root_of(lu), &lu->viewer, true);
+        vga_viewer_root* const old_root = root_of(lu);
+        const bool selected = vga_viewer_selected_alone(old_root, &lu->viewer);
+        vga_delete_row(old_root, &lu->viewer, true);
         leave_pu(lu);
         lu->vcb = entry;
         if (is_dependent(entry) && !join_pu(lu)) {
@@ -136,6 +138,12 @@ void merge(vga_lu62* lu, const LU62_ENTRY& entry) {
             }
         }
         show_with_children(lu);
+        if (selected && root_of(lu) == old_root) {
+            vga_viewer_select_again(old_root, &lu->viewer);
+        }
+        if (is_dependent(lu->vcb)) { // its sessions run through its host from now on
+            vga_end_remote_sessions(lu);
+        }
     }
     ntl_avl_insert(&lu->parent->lu62_alias_tree, &lu->alias_node);
     settle(lu);

@@ -142,6 +142,8 @@ void vga_unlink_lu62_timeout(vga_lu62_timeout** timeout, const void* resource,
 // Deletes the passwords of a local LU with all its partners.
 void vga_delete_lu_lu_passwords(const vga_lu62* lu, bool redraw);
 void vga_release_ls_routings(vga_lu62* lu);
+// Ends the sessions of a local LU below every remote system.
+void vga_end_remote_sessions(const vga_lu62* lu);
 
 // Takes a dialog off the record it works on. expression: the invariant that it works on it.
 inline void vga_detach(vga_dialog** dialog, const void* record, const char* expression) {

@@ -71,9 +71,11 @@ vga_rem_sess* session_with(const vga_rem_plu* rem_plu, const vga_lu62* lu) {
                : nullptr;
 }
 
-// The sessions of the LU under every remote system end. A remote system or partner without a
-// further reason goes with its last one, so each walk notes what comes next first.
-void end_remote_sessions(vga_lu62* lu) {
+} // namespace
+
+// A remote system or partner without a further reason goes with its last session, so each walk
+// notes what comes next first.
+void vga_end_remote_sessions(const vga_lu62* lu) {
     vga_rem_sys* next_sys = nullptr;
     for (auto* rem_sys = ntl_avl_first<vga_rem_sys>(lu->parent->rem_sys_tree); rem_sys != nullptr;
          rem_sys = next_sys) {
@@ -98,8 +100,6 @@ void end_remote_sessions(vga_lu62* lu) {
     }
 }
 
-} // namespace
-
 void vga_delete_vga_lu62(vga_lu62* lu62, bool redraw) {
     vga_node* node = lu62->parent;
     detach(lu62);
@@ -116,7 +116,7 @@ void vga_delete_vga_lu62(vga_lu62* lu62, bool redraw) {
     while (auto* routing = ntl_avl_first<vga_ls_routing>(lu62->ls_routing_tree)) {
         vga_delete_vga_ls_routing(routing, false);
     }
-    end_remote_sessions(lu62);
+    vga_end_remote_sessions(lu62);
     vga_delete_lu_lu_passwords(lu62, redraw);
     vga_unlink_lu62_timeout(&lu62->timeout, lu62, "lu62->timeout->resource == lu62");
     if (node->cp_lu == lu62) {

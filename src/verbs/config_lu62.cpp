@@ -1,4 +1,5 @@
 // Definitions of local LUs 6.2, modes and classes of service.
+#include "store/checks.h"
 #include "verbs/config_util.h"
 
 namespace {
@@ -11,8 +12,9 @@ void vga_process_def_lu62(VGA_COMPLETION* completion, vga_node* node, vga_lu62**
     const auto& block = VGA_CONFIG_BLOCK(DEFINE_LOCAL_LU, completion, NAP_DEFINE_LOCAL_LU);
     vga_give<vga_lu62>(record, nullptr);
     auto entry = vga_new_entry<LU62_ENTRY>();
-    if (const auto* known = vga_status_find<vga_lu62>(node->lu62_tree, block.lu_name);
-        known != nullptr) {
+    const auto* known = vga_status_find<vga_lu62>(node->lu62_tree, block.lu_name);
+    const bool was_dependent = known != nullptr && known->vcb.def.nau_address != 0;
+    if (known != nullptr) {
         entry.session_status = known->vcb.session_status; // the definition leaves it as it is
     }
     vga_copy_name(entry.lu_name, block.lu_name);
@@ -23,6 +25,11 @@ void vga_process_def_lu62(VGA_COMPLETION* completion, vga_node* node, vga_lu62**
         vga_give(record, lu);
         if (lu != nullptr) {
             vga_refresh_buttons_of_record(node, lu);
+        }
+        if (known != nullptr && lu != nullptr && lu->startup_status == 0 &&
+            was_dependent != (lu->vcb.def.nau_address != 0) &&
+            node->node_state == VGA_NODE_STATE_ACTIVE) {
+            vga_start_check_lu62(lu); // other partners and modes are listed of a dependent LU
         }
     }
 }

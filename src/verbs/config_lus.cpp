@@ -1,6 +1,8 @@
 // Definitions of LUs of types 0 to 3 and of downstream LUs, one by one and in ranges.
 #include "common/names.h"
+#include "store/tracking.h"
 #include "verbs/config_util.h"
+#include "verbs/status.h"
 
 #include <cstdio>
 #include <utility>
@@ -36,14 +38,20 @@ template <typename Lu> Lu* find_on_any(const NTL_AVL_TREE& pus, const NB_BYTE* n
 }
 
 // The LU made of an entry, in the store; null when it could not be placed.
-vga_lu03* define(vga_pu* pu, LU03_ENTRY& entry) {
+vga_lu03* define(vga_pu* pu, LU03_ENTRY entry) {
+    vga_node* node = pu->parent;
+    bool selected = false;
     vga_pu* before;
     EXTRA_DATA_ENTRY* extra_data = nullptr;
-    if (auto* moved = find_on_any<vga_lu03>(pu->parent->local_pu_tree, entry.lu_name, &before);
-        moved != nullptr && before != pu) { // it keeps its state below the other PU
-        entry.det_data = moved->vcb.det_data;
-        extra_data = std::exchange(moved->extra_data, nullptr);
-        vga_delete_vga_lu03(moved, true);
+    auto* known = find_on_any<vga_lu03>(node->local_pu_tree, entry.lu_name, &before);
+    // It may come, with its state, from a PU whose list is still due.
+    bool ask = known == nullptr && (node->build_flags & vga_flag(VGA_NODE_LU03S)) != 0;
+    if (known != nullptr && before != pu) { // it keeps its state below the other PU
+        entry.det_data = known->vcb.det_data;
+        extra_data = std::exchange(known->extra_data, nullptr);
+        ask = known->user_query != 0; // the answer under way is for the record that goes
+        selected = vga_viewer_selected_alone(&node->links_root, &known->viewer);
+        vga_delete_vga_lu03(known, true);
     }
     entry.det_data.host_attachment = pu->vcb.host_attachment;
     vga_lu03* lu = vga_init_vga_lu03(pu, &entry);
@@ -54,24 +62,35 @@ vga_lu03* define(vga_pu* pu, LU03_ENTRY& entry) {
     if (extra_data != nullptr) {
         lu->extra_data = extra_data;
     }
-    vga_refresh_buttons_of_record(pu->parent, lu);
+    if (ask) {
+        vga_query_lu03_user(lu);
+    }
+    if (selected) {
+        vga_viewer_select_again(&node->links_root, &lu->viewer);
+    }
+    vga_refresh_buttons_of_record(node, lu);
     return lu;
 }
 
-vga_down_lu* define(vga_pu* pu, DOWN_LU_ENTRY& entry) {
+vga_down_lu* define(vga_pu* pu, DOWN_LU_ENTRY entry) {
     vga_down_lu* lu = vga_status_find<vga_down_lu>(pu->lu_tree, entry.dslu_name);
     if (lu != nullptr) {
         vga_redefine_down_lu(lu, &entry.def);
     } else {
+        bool selected = false;
         vga_pu* before;
         if (auto* moved =
                 find_on_any<vga_down_lu>(pu->parent->down_pu_tree, entry.dslu_name, &before);
             moved != nullptr) {
+            selected = vga_viewer_selected_alone(&pu->parent->links_root, &moved->viewer);
             vga_delete_vga_down_lu(moved, true);
         }
         entry.type = pu->vcb.host_attachment;
         lu = vga_init_vga_down_lu(pu, &entry);
         lu = lu != nullptr ? vga_insert_vga_down_lu(lu, pu) : nullptr;
+        if (selected && lu != nullptr) {
+            vga_viewer_select_again(&pu->parent->links_root, &lu->viewer);
+        }
     }
     if (lu != nullptr) {
         vga_refresh_buttons_of_record(pu->parent, lu);
@@ -159,12 +178,29 @@ void delete_range(vga_node* node, const NTL_AVL_TREE& pus, const RANGE& range,
 
 // ---- LU 0 to 3 ----
 
+namespace {
+
+// The PU that LUs are defined on. While it is not listed yet, its LUs come with its list; but the
+// pool they are defined in stays, even when they leave it before that.
+vga_pu* local_pu(vga_node* node, const NB_BYTE* pu_name, const NB_BYTE* pool_name, int subcode,
+                 NB_USHORT opcode) {
+    auto* pu = vga_status_find<vga_pu>(node->local_pu_tree, pu_name);
+    if (pu == nullptr) {
+        vga_log_absent_ebcdic(node, listed_local_pus, subcode, opcode, pu_name);
+        vga_sys_pool* system_pool;
+        vga_pool* pool;
+        vga_find_pool_insert_pos(pool_name, node, &system_pool, &pool);
+    }
+    return pu;
+}
+
+} // namespace
+
 void vga_process_def_lu03(VGA_COMPLETION* completion, vga_node* node, vga_lu03** record) {
     const auto& block = VGA_CONFIG_BLOCK(DEFINE_LU_0_TO_3, completion, NAP_DEFINE_LU_0_TO_3);
     vga_give<vga_lu03>(record, nullptr);
-    auto* pu = vga_status_find<vga_pu>(node->local_pu_tree, block.def.pu_name);
+    vga_pu* pu = local_pu(node, block.def.pu_name, block.def.pool_name, 44, block.header.opcode);
     if (pu == nullptr) {
-        vga_log_absent_ebcdic(node, listed_local_pus, 44, block.header.opcode, block.def.pu_name);
         return;
     }
     auto entry = vga_new_entry<LU03_ENTRY>();
@@ -187,9 +223,8 @@ void vga_process_def_lu03_range(VGA_COMPLETION* completion, vga_node* node, vga_
     const auto& block =
         VGA_CONFIG_BLOCK(DEFINE_LU_0_TO_3_RANGE, completion, NAP_DEFINE_LU_0_TO_3_RANGE);
     vga_give<vga_lu03>(record, nullptr);
-    auto* pu = vga_status_find<vga_pu>(node->local_pu_tree, block.pu_name);
+    vga_pu* pu = local_pu(node, block.pu_name, block.pool_name, 46, block.header.opcode);
     if (pu == nullptr) {
-        vga_log_absent_ebcdic(node, listed_local_pus, 46, block.header.opcode, block.pu_name);
         return;
     }
     auto entry = vga_new_entry<LU03_ENTRY>();

@@ -51,6 +51,8 @@ void vga_process_ipbridge_ind(vga_node* node, const void* block); // sessions of
 // Completions of the queries that indications lead to.
 void vga_check_one_port(VGA_COMPLETION* completion);    // a port that became active
 void vga_build_implicit_ls(VGA_COMPLETION* completion); // a link station made by its activation
+// Asks the node what has taken an LU 0 to 3. Exit code 1 is set without memory.
+void vga_query_lu03_user(vga_lu03* lu);
 void vga_process_lu03_user(VGA_COMPLETION* completion); // what has taken an LU 0 to 3
 
 // A node or a file of the domain was lost, or the node software shuts down.

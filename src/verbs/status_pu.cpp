@@ -145,13 +145,7 @@ void vga_process_lu03_ind(vga_node* node, const void* block) {
     }
     const bool use_changed = ind.appl_conn_active != detail.appl_conn_active;
     if (use_changed && ind.appl_conn_active == NAP_YES) {
-        // Who has taken it comes with the state, from the answer.
-        if (vga_issue_query_lu03(pu, lu, true, 1, vga_process_lu03_user)) {
-            lu->user_query = 1;
-        } else {
-            VGA_FATAL(VGA_EXIT_INTERNAL, 0);
-        }
-        return;
+        return vga_query_lu03_user(lu); // the state comes with the answer
     }
     detail.lu_active = ind.lu_active;
     detail.appl_conn_active = ind.appl_conn_active;
@@ -162,6 +156,14 @@ void vga_process_lu03_ind(vga_node* node, const void* block) {
     }
     vga_take_lu03_detail(lu, detail);
     redraw(lu);
+}
+
+void vga_query_lu03_user(vga_lu03* lu) {
+    if (vga_issue_query_lu03(lu->parent, lu, true, 1, vga_process_lu03_user)) {
+        lu->user_query = 1;
+    } else {
+        VGA_FATAL(VGA_EXIT_INTERNAL, 0);
+    }
 }
 
 void vga_process_lu03_user(VGA_COMPLETION* completion) {

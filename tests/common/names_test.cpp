@@ -142,31 +142,6 @@ TEST(Names, PartsAsText) {
     }
 }
 
-TEST(Names, TextAndFields) {
-    char text[] = " a b   ";
-    vga_strip_spaces(text);
-    EXPECT_STREQ(text, " a b");
-    char blanks[] = "   ";
-    vga_strip_spaces(blanks);
-    EXPECT_STREQ(blanks, "");
-
-    char buffer[] = {'a', '\0', 'b', 'c', 'd'};
-    vga_pad_buffer(buffer, 4, '.');
-    EXPECT_EQ(std::string(buffer, 5), "a...d");
-    char full[] = {'a', 'b', '\0'};
-    vga_pad_buffer(full, 2, '.');
-    EXPECT_STREQ(full, "ab");
-
-    std::string ebcdic(6, 'x');
-    van_ascii_to_ebcdic(bytes(ebcdic), "ab\0cd", 6);
-    EXPECT_EQ(ebcdic, field("ab", 6));
-    van_ascii_to_ebcdic(bytes(ebcdic), "abcdefgh", 6);
-    EXPECT_EQ(ebcdic, field("abcdef", 6));
-    char back[7];
-    van_ebcdic_to_ascii(back, bytes(field("a b", 6)), 6);
-    EXPECT_STREQ(back, "a b");
-}
-
 TEST(Names, GenerateName) {
     const struct {
         const char* source;

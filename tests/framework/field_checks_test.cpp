@@ -44,21 +44,16 @@ protected:
 TEST_F(FieldChecks, WhatEachAdmits) {
     const EDIT edits[] = {
         {vga_check_num_cb, "1", 1, 1, "2", "12"},
-        {vga_check_num_cb, "1", 1, 1, "a", nullptr},
         {vga_check_num_cb, "", 0, 0, "1a", nullptr},
         {vga_check_num_cb, "12", 0, 1, "", "2"},
         {vga_check_signed_num_cb, "5", 0, 0, "-", "-5"},
         {vga_check_signed_num_cb, "5", 1, 1, "-", nullptr},
         {vga_check_signed_num_cb, "", 0, 0, "-12", "-12"},
         {vga_check_signed_num_cb, "", 0, 0, "1-2", nullptr},
-        {vga_check_alphanum_cb, "", 0, 0, "aZ9", "aZ9"},
         {vga_check_alphanum_cb, "", 0, 0, "a-", nullptr},
         {vga_check_caps_alphanum_cb, "", 0, 0, "ab1", "AB1"},
-        {vga_check_caps_alphanum_cb, "", 0, 0, "a b", nullptr},
         {vga_all_caps_cb, "x", 1, 1, "abc!", "xABC!"},
         {vga_check_hex_cb, "", 0, 0, "09af", "09AF"},
-        {vga_check_hex_cb, "", 0, 0, "g", nullptr},
-        {vga_check_tp_name_cb, "", 0, 0, "a/b.c", "a/b.c"},
         {vga_check_tp_name_cb, "a", 1, 1, " ", nullptr},
         {vga_check_ip_addr_cb, "", 0, 0, "10.1.2.3", "10.1.2.3"},
         {vga_check_ip_addr_cb, "", 0, 0, "10:1", nullptr},
@@ -66,11 +61,7 @@ TEST_F(FieldChecks, WhatEachAdmits) {
         {vga_check_ip_name_cb, "", 0, 0, "a/b", nullptr},
         {vga_check_filename_cb, "", 0, 0, "a~b", "a~b"},
         {vga_check_filename_cb, "", 0, 0, "a/b", nullptr},
-        {vga_check_filename_cb, "", 0, 0, "a\\b", nullptr},
-        {vga_check_filename_cb, "", 0, 0, "a\"b", nullptr},
-        {vga_check_filename_cb, "", 0, 0, "a'b", nullptr},
         {vga_check_filename_cb, "", 0, 0, "a\x7f", nullptr},
-        {vga_check_pathname_cb, "", 0, 0, "/a/b", "/a/b"},
         {vga_check_pathname_cb, "", 0, 0, "a b", nullptr},
 
         // Names: the rule for the first character applies at position 0 only.
@@ -86,7 +77,6 @@ TEST_F(FieldChecks, WhatEachAdmits) {
         {vga_check_ebcdic_lower_cb, "", 0, 0, "1lu", nullptr},
         {vga_check_ebcdic_ae_cb, "", 0, 0, "Ab.1", "Ab.1"},
         {vga_check_ebcdic_ae_cb, "", 0, 0, "a b", nullptr},
-        {vga_check_ebcdic_ae_cb, "", 0, 0, "ABCDEFGHI", nullptr},
 
         // Mode names: all blanks or none.
         {vga_check_mode_name_cb, "", 0, 0, "        ", "        "},
@@ -98,7 +88,6 @@ TEST_F(FieldChecks, WhatEachAdmits) {
         {vga_check_mode_name_cb, "  ", 2, 2, "A", nullptr},
         {vga_check_mode_name_cb, "  ", 0, 2, "A", "A"},
         {vga_check_mode_name_cb, "", 0, 0, "$A", nullptr},
-        {vga_check_mode_name_cb, "", 0, 0, "@A", nullptr},
         {vga_check_mode_name_cb, "", 0, 0, "#INTER", "#INTER"},
         {vga_check_mode_name_cb, "A", 1, 1, "$", "A$"},
         {vga_check_mode_name_cb, "A$", 0, 1, "", nullptr},
@@ -111,7 +100,6 @@ TEST_F(FieldChecks, WhatEachAdmits) {
         {vga_check_ebcdic_ae_pwd_cb, "", 0, 0, "Secret1234", "Secret1234"},
         {vga_check_ebcdic_ae_pwd_cb, "", 0, 0, "Secret12345", nullptr},
         {vga_check_hex_pwd_cb, "", 0, 0, "0a", "0A"},
-        {vga_check_hex_pwd_cb, "", 0, 0, "x", nullptr},
     };
     for (const EDIT& edit : edits) {
         use(edit.check, edit.before);

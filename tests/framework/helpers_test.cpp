@@ -2,10 +2,8 @@
 
 #include "shell/globals.h"
 #include "shell/graphics.h"
-#include "shell/messages.h"
 #include "store/records.h"
 #include "ui/framework/common_actions.h"
-#include "ui/framework/texts.h"
 #include "ui/framework/widget_tree.h"
 #include "ui/framework/window_menu.h"
 
@@ -119,36 +117,6 @@ TEST_F(Helpers, DomainWindowsNeedAConfiguredNode) {
     gvga_supported[VGA_SUPPORT_CLIENT_SERVER] = 0;
 }
 
-TEST_F(Helpers, PopupListGivesTheValueAndGoes) {
-    static std::string picked;
-    static bool gone;
-    picked.clear();
-    gone = false;
-    const XtCallbackProc ok = [](Widget, XtPointer data, XtPointer call) {
-        const XmString value = static_cast<XmSelectionBoxCallbackStruct*>(call)->value;
-        auto* text = static_cast<char*>(XmStringUnparse(value, nullptr, XmCHARSET_TEXT,
-                                                        XmCHARSET_TEXT, nullptr, 0, XmOUTPUT_ALL));
-        picked = std::string(static_cast<const char*>(data)) + text;
-        XtFree(text);
-    };
-    Widget board = vga_get_popup_list(find("syswText"), ok, const_cast<char*>("got "), true);
-    EXPECT_STREQ(XtName(board), "popupBoard");
-    Widget list = XmSelectionBoxGetChild(board, XmDIALOG_LIST);
-    for (const char* name : {"LINK1", "LINK2"}) {
-        XmString item = XmStringCreateLocalized(const_cast<char*>(name));
-        XmListAddItemUnselected(list, item, 0);
-        XmStringFree(item);
-    }
-    XtAddCallback(
-        board, XmNdestroyCallback, [](Widget, XtPointer, XtPointer) { gone = true; }, nullptr);
-    XtManageChild(board);
-    settle();
-    XmListSelectPos(list, 2, True);
-    click(XmSelectionBoxGetChild(board, XmDIALOG_OK_BUTTON));
-    EXPECT_EQ(picked, "got LINK2");
-    EXPECT_TRUE(wait([] { return gone; }));
-}
-
 TEST_F(Helpers, ActivateActionWorksForEveryKindOfButton) {
     Widget push = find("syswPush");
     Widget toggle = find("syswToggle");
@@ -176,8 +144,6 @@ TEST_F(Helpers, ColoursReachMenusAndToggles) {
     Pixel field = 0;
     XtVaGetValues(find("syswText"), XmNbackground, &field, nullptr);
     ASSERT_NE(field, grey);
-    Pixel mark = 0;
-    XtVaGetValues(find("syswToggle"), XmNselectColor, &mark, nullptr);
     gvga_background = grey;
     gvga_foreground = black;
     vga_set_tool_colours(main_window->widget);
@@ -192,32 +158,6 @@ TEST_F(Helpers, ColoursReachMenusAndToggles) {
         EXPECT_EQ(background, expected) << name;
         EXPECT_EQ(foreground, black) << name;
     }
-    // The tool's toggles keep the colour of the resources.
-    Pixel own = 0;
-    XtVaGetValues(find("syswToggle"), XmNselectColor, &own, nullptr);
-    EXPECT_EQ(own, mark);
-    vga_set_colours(find("syswToggle"), grey, black);
-    XColor select{};
-    XtVaGetValues(find("syswToggle"), XmNselectColor, &select.pixel, nullptr);
-    XQueryColor(gvga_display, DefaultColormapOfScreen(gvga_screen), &select);
-    EXPECT_TRUE(select.red == 0xFFFF && select.green == 0 && select.blue == 0);
-}
-
-TEST_F(Helpers, WindowGrowsToWhatItMustShow) {
-    Widget shell = main_window->shell;
-    Widget bar = find("syswPush");
-    vga_set_toolbar_width(shell, bar);
-    int width = 0;
-    XtVaGetValues(shell, XmNminWidth, &width, nullptr);
-    EXPECT_GT(width, 0);
-    Dimension height = 0;
-    XtVaGetValues(shell, XmNheight, &height, nullptr);
-    vga_set_minimum_height(shell);
-    int minimum = 0;
-    XtVaGetValues(shell, XmNminHeight, &minimum, nullptr);
-    EXPECT_EQ(minimum, height);
-    XtVaSetValues(shell, XmNminWidth, XtUnspecifiedShellInt, XmNminHeight, XtUnspecifiedShellInt,
-                  nullptr);
 }
 
 } // namespace

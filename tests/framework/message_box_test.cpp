@@ -4,7 +4,6 @@
 #include "nof/opcodes.h"
 #include "shell/globals.h"
 #include "shell/messages.h"
-#include "store/records.h"
 #include "ui/framework/widget_tree.h"
 
 #include <X11/keysym.h>
@@ -196,26 +195,6 @@ TEST_F(MessageBox, NoMemoryForTheQueueIsFatal) {
     error("lost");
     vga_fail_allocation(0);
     EXPECT_EQ(gvga_exit_code, VGA_EXIT_INTERNAL);
-}
-
-TEST_F(MessageBox, ExitOnlyAfterYes) {
-    static vga_system nothing_open{};
-    gvga_system = &nothing_open;
-    Widget exit = vga_name_widget(main_window->widget, "syswExit", nullptr);
-    XmPushButtonCallbackStruct call{XmCR_ACTIVATE, nullptr, 1};
-    XtCallCallbacks(exit, XmNactivateCallback, &call);
-    settle();
-    EXPECT_EQ(shown(), text_of(205));
-    key(XK_Escape);
-    EXPECT_EQ(shown(), "");
-    EXPECT_TRUE(main_window->open);
-    EXPECT_EQ(gvga_exit_code, 0);
-    XtCallCallbacks(exit, XmNactivateCallback, &call);
-    settle();
-    click(ok());
-    EXPECT_EQ(gvga_exit_code, VGA_EXIT_ORDERLY);
-    EXPECT_FALSE(main_window->open);
-    gvga_system = nullptr;
 }
 
 struct FAILURE {

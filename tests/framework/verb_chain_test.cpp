@@ -115,12 +115,4 @@ TEST_F(VerbChain, AStaleCompletionChangesNothing) {
     EXPECT_EQ(form->closed_runs, 0);
 }
 
-TEST_F(VerbChain, ApplyKeepsTheDialog) {
-    form->defined = false;
-    vga_chain_start(&form->form, true);
-    complete(NAP_DEFINE_LOCAL_LU);
-    EXPECT_TRUE(form->form.common.open && usable());
-    EXPECT_EQ(form->closed_runs, 1);
-}
-
 } // namespace

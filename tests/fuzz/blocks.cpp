@@ -1,15 +1,10 @@
 #include "fuzz/blocks.h"
 
-#include "nof/cn.h"
-#include "nof/extra_data.h"
-#include "nof/pool.h"
-#include "nof/security.h"
 #include "nof/vcb.h"
 #include "simnode/indications.h"
 
 #include <algorithm>
 #include <cstring>
-#include <set>
 #include <unordered_set>
 
 namespace fuzz {
@@ -47,30 +42,6 @@ void add_block(KNOWLEDGE& all, Bytes block, NB_BYTE recipient = 0) {
         {{STEP::INDICATION, recipient, std::move(block)}, {STEP::ANSWERS, 255, {}}});
 }
 
-Bytes delete_block(const KindRow& row, const Bytes& entry) {
-    Bytes block(vnv_verb_search(row.remove, 0, 0)->block_size);
-    vcb_header(block.data())->opcode = row.remove;
-    for (std::size_t i = 0; i < row.key.size(); ++i) {
-        std::memcpy(block.data() + row.remove_key[i].offset, entry.data() + row.key[i].offset,
-                    row.remove_key[i].length);
-    }
-    return block;
-}
-
-void complete(const KindRow& row, const Bytes& entry, Bytes& block) {
-    if (row.kind == Kind::extra_data) {
-        reinterpret_cast<DEFINE_EXTRA_DATA*>(block.data())->resource_kind =
-            NOF_EXTRA_DATA_LU_0_TO_3;
-    } else if (row.kind == Kind::pool) {
-        auto& verb = *reinterpret_cast<DEFINE_LU_POOL*>(block.data());
-        verb.num_lus = 1;
-        std::memcpy(verb.lu_names[0], reinterpret_cast<const LU_POOL_ENTRY*>(entry.data())->lu_name,
-                    sizeof verb.lu_names[0]);
-    } else if (row.kind == Kind::cn) {
-        reinterpret_cast<DEFINE_CN*>(block.data())->def.num_ports = 0;
-    }
-}
-
 void add_record(KNOWLEDGE& all, simnode::World& world, simnode::Node& node, const KindRow& row,
                 const simnode::Record& record) {
     if (row.indication != 0) {
@@ -82,16 +53,14 @@ void add_record(KNOWLEDGE& all, simnode::World& world, simnode::Node& node, cons
         }
     }
     if (row.define != 0) {
-        Bytes block = simnode::define_of_entry(row, record.entry);
-        complete(row, record.entry, block);
-        add_block(all, std::move(block));
+        add_block(all, simnode::define_of_entry(row, record.entry));
     } else if (const KindRow* holder = simnode::holder_of(row.kind); holder != nullptr) {
         if (const auto* owner = simnode::find(node.of(holder->kind), record.parent)) {
             add_block(all, simnode::define_of_nested(row, owner->entry, record.entry));
         }
     }
     if (row.remove != 0) {
-        add_block(all, delete_block(row, record.entry));
+        add_block(all, simnode::delete_of_entry(row, record.entry));
     }
 }
 
@@ -192,17 +161,6 @@ void change_number(Bytes& block, DICE& dice) {
     std::memcpy(block.data() + at, &number, width);
 }
 
-void change_random_bytes(Bytes& block, DICE& dice) {
-    if (block.size() <= sizeof(VCB_HEADER)) {
-        return;
-    }
-    const std::size_t from = sizeof(VCB_HEADER) + dice() % (block.size() - sizeof(VCB_HEADER));
-    const std::size_t count = std::min<std::size_t>(1 + dice() % 16, block.size() - from);
-    for (std::size_t i = 0; i < count; ++i) {
-        block[from + i] = static_cast<NB_BYTE>(dice());
-    }
-}
-
 void change_length(Bytes& block, DICE& dice) {
     const std::size_t length =
         dice() % 3 == 0 ? dice() % (block.size() + 1) : block.size() + dice() % 300;
@@ -214,20 +172,10 @@ void change_length(Bytes& block, DICE& dice) {
 }
 
 void change_block(Bytes& block, DICE& dice) {
-    switch (dice() % 8) {
-    case 0:
-    case 1:
-    case 2:
-        return change_name(block, dice);
-    case 3:
-    case 4:
-    case 5:
-        return change_number(block, dice);
-    case 6:
-        return change_random_bytes(block, dice);
-    default:
-        return change_length(block, dice);
-    }
+    const auto kind = dice() % 8;
+    return kind < 3   ? change_name(block, dice)
+           : kind < 7 ? change_number(block, dice)
+                      : change_length(block, dice);
 }
 
 EVENT random_step(DICE& dice) {

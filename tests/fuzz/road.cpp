@@ -184,12 +184,16 @@ void indicate(const EVENT& event) {
     std::free(block);
 }
 
-template <typename Record> Record* nth(const NTL_AVL_TREE& tree, unsigned n) {
+// Does something with one of the records of a tree.
+template <typename Record, typename Work>
+void on(const NTL_AVL_TREE& tree, unsigned which, Work work) {
     auto* record = ntl_avl_first<Record>(tree);
-    for (; n > 0 && record != nullptr; --n) {
+    for (; which > 0 && record != nullptr; --which) {
         record = static_cast<Record*>(ntl_avl_find_next(&tree, record->node.key));
     }
-    return record;
+    if (record != nullptr) {
+        work(record);
+    }
 }
 
 void act(NB_BYTE argument) {
@@ -200,39 +204,29 @@ void act(NB_BYTE argument) {
     }
     switch (argument % 8) {
     case 0:
-        if (auto* port = nth<vga_port>(node->port_tree, which)) {
-            vga_nodew_init_start_port(port);
-        }
-        break;
+        return on<vga_port>(node->port_tree, which, vga_nodew_init_start_port);
     case 1:
-        if (auto* port = nth<vga_port>(node->port_tree, which)) {
+        return on<vga_port>(node->port_tree, which, [](vga_port* port) {
             vga_issue_stop_port(port, vga_nodew_stop_port_cb, port->handle);
-        }
-        break;
+        });
     case 2:
+        return on<vga_ls>(node->ls_tree, which,
+                          [](vga_ls* ls) { vga_nodew_init_start_ls(ls, false); });
     case 3:
-        if (auto* ls = nth<vga_ls>(node->ls_tree, which)) {
-            vga_nodew_init_start_ls(ls, argument % 8 == 3);
-        }
-        break;
+        return on<vga_ls>(node->ls_tree, which,
+                          [](vga_ls* ls) { vga_nodew_init_start_ls(ls, true); });
     case 4:
-        if (auto* ls = nth<vga_ls>(node->ls_tree, which)) {
+        return on<vga_ls>(node->ls_tree, which, [which](vga_ls* ls) {
             vga_issue_stop_ls(ls, vga_nodew_stop_ls_cb, ls->handle, which % 2 == 0);
-        }
-        break;
+        });
     case 5:
-        if (auto* pu = nth<vga_pu>(node->local_pu_tree, which)) {
-            vga_nodew_start_pu(pu);
-        }
-        break;
+        return on<vga_pu>(node->local_pu_tree, which, vga_nodew_start_pu);
     case 6:
-        if (auto* pu = nth<vga_pu>(node->local_pu_tree, which)) {
+        return on<vga_pu>(node->local_pu_tree, which, [](vga_pu* pu) {
             vga_issue_stop_internal_pu(pu, vga_nodew_stop_pu_cb, pu->handle);
-        }
-        break;
+        });
     default:
         vga_issue_stop_node(node, vga_process_stop_node);
-        break;
     }
 }
 

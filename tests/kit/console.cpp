@@ -155,10 +155,37 @@ Widget CONSOLE::widget(const std::string& name) {
     return found;
 }
 
+// Follows the widget until the pointer is in it: the window manager may not have placed and mapped
+// its window yet.
+void CONSOLE::move_to(Widget widget, int x, int y) {
+    for (; !XtIsWidget(widget); widget = XtParent(widget)) { // a gadget lies in its parent's window
+        Position left, top;
+        XtVaGetValues(widget, XmNx, &left, XmNy, &top, nullptr);
+        x += left;
+        y += top;
+    }
+    const Window root = DefaultRootWindow(gvga_display);
+    wait(
+        [&] {
+            if (!XtIsRealized(widget)) {
+                return false;
+            }
+            int root_x, root_y, ignored;
+            Window below;
+            XTranslateCoordinates(gvga_display, XtWindow(widget), root, x, y, &root_x, &root_y,
+                                  &below);
+            XTestFakeMotionEvent(gvga_display, -1, root_x, root_y, CurrentTime);
+            for (below = root; below != None && below != XtWindow(widget);) {
+                XTranslateCoordinates(gvga_display, root, below, root_x, root_y, &ignored, &ignored,
+                                      &below);
+            }
+            return below == XtWindow(widget);
+        },
+        5000);
+}
+
 void CONSOLE::press(Widget widget, int x, int y) {
-    Position root_x, root_y;
-    XtTranslateCoords(widget, static_cast<Position>(x), static_cast<Position>(y), &root_x, &root_y);
-    XTestFakeMotionEvent(gvga_display, -1, root_x, root_y, CurrentTime);
+    move_to(widget, x, y);
     XTestFakeButtonEvent(gvga_display, 1, True, CurrentTime);
     wait_idle();
 }
@@ -182,12 +209,20 @@ void CONSOLE::modify(unsigned modifiers, bool down) {
 
 void CONSOLE::click(Widget widget, int x, int y, unsigned modifiers, int count) {
     modify(modifiers, true);
+    // However busy the machine is, the clicks belong together and those before do not.
+    const int multi_click_time = XtGetMultiClickTime(gvga_display);
     for (int i = 0; i < count; ++i) {
+        if (count > 1) {
+            XtSetMultiClickTime(gvga_display, i == 0 ? 0 : 60'000);
+        }
         press(widget, x, y);
         release();
     }
-    modify(modifiers, false);
-    wait_idle();
+    XtSetMultiClickTime(gvga_display, multi_click_time);
+    if (modifiers != 0) {
+        modify(modifiers, false);
+        wait_idle();
+    }
 }
 
 void CONSOLE::click(Widget widget) {
@@ -196,12 +231,17 @@ void CONSOLE::click(Widget widget) {
     click(widget, width / 2, height / 2);
 }
 
-void CONSOLE::key(KeySym key, unsigned modifiers) {
+void CONSOLE::strike(KeySym key, unsigned modifiers) {
     modify(modifiers, true);
     const KeyCode code = XKeysymToKeycode(gvga_display, key);
     XTestFakeKeyEvent(gvga_display, code, True, CurrentTime);
     XTestFakeKeyEvent(gvga_display, code, False, CurrentTime);
     modify(modifiers, false);
+    XFlush(gvga_display);
+}
+
+void CONSOLE::key(KeySym key, unsigned modifiers) {
+    strike(key, modifiers);
     wait_idle();
 }
 
@@ -251,6 +291,17 @@ bool CONSOLE::answer(const std::string& button) {
     if (child == nullptr || !XtIsManaged(child)) {
         return false;
     }
+    // The window manager gives the keyboard to the box once it has placed it.
+    const Window box = XtWindow(dialog->modal_dlg.shell);
+    wait(
+        [box] {
+            Window focus = None;
+            int revert = 0;
+            XGetInputFocus(gvga_display, &focus, &revert);
+            return focus == box;
+        },
+        2000);
+    wait_idle();
     click(child);
     return true;
 }

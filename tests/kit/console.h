@@ -40,6 +40,9 @@ public:
     void press(Widget widget, int x, int y);
     void release();
     void key(KeySym key, unsigned modifiers = 0);
+    // A key without waiting until the program has dealt with it, which it cannot while the node
+    // holds a verb.
+    void strike(KeySym key, unsigned modifiers = 0);
 
     // The rows of a list as shown: indented by their level, with column markers as blanks.
     static std::vector<std::string> rows(vga_viewer_root& root, bool collapsed_too = false);
@@ -53,6 +56,7 @@ public:
 
 private:
     void modify(unsigned modifiers, bool down);
+    void move_to(Widget widget, int x, int y);
     VGA_RUN run_{};
     std::vector<std::string> arguments_;
     bool started_ = false;

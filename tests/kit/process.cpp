@@ -129,6 +129,7 @@ ENVIRONMENT data_environment() {
     return {{"UIDPATH", data + "/uid/%U"},
             {"NLSPATH", data + "/nls/msg/C/%N"},
             {"XFILESEARCHPATH", data + "/app-defaults/%N"},
+            {"TESSALY_HELP", data + "/help"},
             {"LANG", "C"},
             {"HOME", scratch()},
             {"TESSALY_LOG", scratch() + "/log"}};

@@ -1,6 +1,11 @@
 #include "kit/random_operator.h"
 
+#include "common/names.h"
+#include "nof/opcodes.h"
+#include "nof/pu_lu.h"
+
 #include <algorithm>
+#include <span>
 #include <sstream>
 #include <string_view>
 #include <vector>
@@ -41,6 +46,8 @@ const RANDOM_OPERATOR::RULE RANDOM_OPERATOR::rules[] = {
      "!pu=@downstream_pu !nau=%40 host_lu=@lu_0_to_3 description=~ delayed_logon=true|false"},
     {"local_lu", "A%9|@local_lu", "!alias=A%12 description=~ default_pool=true|false"},
     {"local_lu", "B%6", "!alias=B%9 !dependent=true !pu=@pu|@dlur_pu !nau=%40 description=~"},
+    {"local_lu", "@local_lu", "!dependent=true !pu=@pu|@dlur_pu !nau=%200"},
+    {"local_lu", "@local_lu", "!dependent=false !nau=0 description=~"},
     {"mode_definition", "M%6|#INTER|@mode_definition",
      "cos=@cos description=~ max_sessions=%20 sessions=%9"},
     {"directory", "NET.CP%4", "!type=network-node description=~"},
@@ -119,7 +126,7 @@ constexpr const char* deleted[] = {
     "association",
     "redirect",
     "pool",
-    "pool",
+    "whole pool",
     "extra_data",
     "user",
     "user_session",
@@ -248,9 +255,62 @@ std::string RANDOM_OPERATOR::define() {
 }
 
 std::string RANDOM_OPERATOR::remove() {
-    const char* kind = deleted[pick(static_cast<int>(std::size(deleted)))];
+    std::string kind = deleted[pick(static_cast<int>(std::size(deleted)))];
+    if (kind == "whole pool") {
+        const std::string member = some("pool"); // with its LU behind it, in quotes
+        return member.empty() ? "" : run("delete pool " + member.substr(1, member.find(' ') - 1));
+    }
     const std::string name = some(kind);
-    return name.empty() ? "" : run(std::string("delete ") + kind + ' ' + name);
+    return name.empty() ? "" : run("delete " + kind + ' ' + name);
+}
+
+template <typename Block> std::string RANDOM_OPERATOR::send(NB_USHORT opcode, Block& block) {
+    static constexpr const char* names[] = {"R", "RANG", "LONGER"};
+    van_ascii_to_ebcdic(block.base_name, names[pick(3)], sizeof block.base_name);
+    block.header.opcode = opcode;
+    block.first_nau = static_cast<NB_BYTE>(pick(9) == 0 ? 250 : 1 + pick(50));
+    block.last_nau = static_cast<NB_BYTE>(std::min(block.first_nau + pick(12), 255));
+    if constexpr (requires { block.naming_flags; }) {
+        block.naming_flags = static_cast<NB_BYTE>(pick(8));
+        block.first_number = static_cast<NB_BYTE>(pick(2) == 0 ? 250 : pick(30));
+    }
+    std::string command = "send ";
+    for (const NB_BYTE byte : std::span(reinterpret_cast<const NB_BYTE*>(&block), sizeof block)) {
+        static constexpr char digits[] = "0123456789abcdef";
+        command += {digits[byte >> 4], digits[byte & 15]};
+    }
+    return run(command);
+}
+
+std::string RANDOM_OPERATOR::range() {
+    const auto name = [this](NB_NAME8E& field, const char* pattern) {
+        van_ascii_to_ebcdic(field, filled(pattern).c_str(), sizeof field);
+    };
+    switch (pick(6)) {
+    case 0: {
+        DELETE_LU_0_TO_3_RANGE block{};
+        return send(NAP_DELETE_LU_0_TO_3_RANGE, block);
+    }
+    case 1: {
+        DELETE_DOWNSTREAM_LU_RANGE block{};
+        return send(NAP_DELETE_DOWNSTREAM_LU_RANGE, block);
+    }
+    case 2: {
+        DEFINE_DOWNSTREAM_LU_RANGE block{};
+        name(block.dspu_name, "@downstream_pu");
+        name(block.host_lu_name, "@lu_0_to_3");
+        block.delayed_logon = static_cast<NB_BYTE>(pick(2));
+        return send(NAP_DEFINE_DOWNSTREAM_LU_RANGE, block);
+    }
+    default: {
+        DEFINE_LU_0_TO_3_RANGE block{};
+        name(block.pu_name, "@pu|@dlur_pu");
+        if (pick(2) == 0) {
+            name(block.pool_name, "POOL%4");
+        }
+        return send(NAP_DEFINE_LU_0_TO_3_RANGE, block);
+    }
+    }
 }
 
 std::string RANDOM_OPERATOR::change() {
@@ -274,7 +334,7 @@ std::string RANDOM_OPERATOR::step() {
     switch (pick(5)) {
     case 0:
     case 1:
-        return define();
+        return pick(10) != 0 ? define() : range();
     case 2:
         return remove();
     default:

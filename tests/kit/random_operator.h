@@ -4,6 +4,7 @@
 #pragma once
 
 #include "kit/control.h"
+#include "nba/nba.h"
 
 #include <random>
 #include <string>
@@ -30,6 +31,10 @@ private:
     std::string run(const std::string& command);
     std::string change();
     std::string remove();
+    // LUs of a PU in a row come, or go.
+    std::string range();
+    // A verb about a range of names and addresses.
+    template <typename Block> std::string send(NB_USHORT opcode, Block& block);
     // The name of some resource of a kind, or "" when there is none.
     std::string some(const std::string& kind);
     // One of the alternatives of a pattern, with its placeholders filled in.

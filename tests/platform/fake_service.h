@@ -17,6 +17,7 @@ struct FakeRequest {
 
 struct FakePeer {
     int socket;
+    bool leaves = false; // ends with the script instead of waiting until the operator closes
 
     FakeRequest receive(); // ends the process with status 1 when the operator has gone
     void send_bytes(const void* bytes, std::size_t length);
@@ -32,7 +33,6 @@ struct FakePeer {
         header.block_length = sizeof block;
         send_frame(header, &block, nullptr);
     }
-    void wait_for_end(); // until the operator closes
     void require(bool condition);
 };
 
@@ -45,7 +45,7 @@ WIRE_FRAME whole_frame(NB_USHORT kind, NB_ULONG request_id, NB_ULONG block_lengt
                         const std::function<void(FakePeer&)>& script);
 int listen_at(const std::string& path);
 
-// Names itself in TESSALY_NODE_SOCKET.
+// Names itself in TESSALY_NODE_SOCKET. Its end is the library's end, too.
 class FakeService {
 public:
     explicit FakeService(const std::function<void(FakePeer&)>& script, bool client_server = false);

@@ -1,8 +1,11 @@
+// Before the X headers, whose macros it does not stand.
+#include <gtest/gtest.h>
+
 #include "fake_service.h"
+#include "nof/nof.h"
 
 #include <cstdlib>
 #include <cstring>
-#include <gtest/gtest.h>
 #include <sys/socket.h>
 #include <sys/un.h>
 #include <sys/wait.h>
@@ -11,15 +14,7 @@
 namespace {
 
 bool receive_bytes(int socket, void* bytes, std::size_t length) {
-    std::size_t got = 0;
-    while (got < length) {
-        const ssize_t n = read(socket, static_cast<char*>(bytes) + got, length - got);
-        if (n <= 0) {
-            return false;
-        }
-        got += static_cast<std::size_t>(n);
-    }
-    return true;
+    return length == 0 || recv(socket, bytes, length, MSG_WAITALL) == static_cast<ssize_t>(length);
 }
 
 } // namespace
@@ -79,11 +74,6 @@ void FakePeer::answer(const FakeRequest& request, NB_USHORT primary, NB_ULONG se
     send_frame(header, block.data(), buffer.data());
 }
 
-void FakePeer::wait_for_end() {
-    char byte;
-    require(read(socket, &byte, 1) == 0);
-}
-
 void FakePeer::require(bool condition) {
     if (!condition) {
         _exit(1);
@@ -110,6 +100,8 @@ void serve(int listener, bool client_server, const std::function<void(FakePeer&)
     peer.require(peer.receive().header.kind == WIRE_HELLO);
     peer.send_hello(client_server);
     script(peer);
+    char byte;
+    peer.require(peer.leaves || read(peer.socket, &byte, 1) == 0);
     _exit(0);
 }
 
@@ -128,6 +120,7 @@ FakeService::FakeService(const std::function<void(FakePeer&)>& script, bool clie
 }
 
 FakeService::~FakeService() {
+    nof_terminate();
     int status = -1;
     waitpid(pid, &status, 0);
     EXPECT_EQ(status, 0) << "the script of the node service failed";

@@ -61,6 +61,12 @@ protected:
         }
         ASSERT_EQ(deliveries.size(), wanted);
     }
+    // Issues a verb and forgets its answer.
+    static void issue_first(void* vcb) {
+        nof_async_version(NOF_API_LEVEL, 1, vcb, callback, 0);
+        pump(1);
+        deliveries.clear();
+    }
     static bool idle() { return XtAppPending(app) == 0; }
 
     static XtAppContext app;
@@ -90,7 +96,6 @@ TEST_F(Nof, AnswersReachTheIssuerOfTheirRequest) {
             peer.require(first.header.target == 7 && second.header.buffer_capacity == 16);
             peer.answer(second, 0, 0, "0123456789");
             peer.answer(first, NAP_STATE_CHECK, 0x55);
-            peer.wait_for_end();
         },
         true);
     EXPECT_TRUE(vsm_is_client_server());
@@ -113,14 +118,12 @@ TEST_F(Nof, AnswersReachTheIssuerOfTheirRequest) {
     EXPECT_EQ(deliveries[1].handle, 7u);
     EXPECT_EQ(deliveries[1].primary, NAP_STATE_CHECK);
     EXPECT_EQ(deliveries[1].secondary, 0x55u);
-    nof_terminate();
 }
 
 TEST_F(Nof, VerbsOfTheCallbackAreServed) {
     FakeService service([](FakePeer& peer) {
         peer.answer(peer.receive());
         peer.answer(peer.receive());
-        peer.wait_for_end();
     });
     auto first = verb<START_LS>(NAP_START_LS);
     auto second = verb<STOP_LS>(NAP_STOP_LS);
@@ -137,6 +140,31 @@ TEST_F(Nof, VerbsOfTheCallbackAreServed) {
     EXPECT_TRUE(idle());
 }
 
+// An event loop in a callback sends what the callback issued and delivers what came with its
+// answer.
+TEST_F(Nof, ACallbackMayRunTheEventLoop) {
+    FakeService service([](FakePeer& peer) {
+        const FakeRequest first = peer.receive();
+        const FakeRequest second = peer.receive();
+        peer.answer(first);
+        peer.answer(peer.receive());
+        peer.answer(second);
+    });
+    auto first = verb<START_LS>(NAP_START_LS);
+    auto second = verb<START_LS>(NAP_START_LS);
+    auto inner = verb<STOP_LS>(NAP_STOP_LS);
+    reaction = [&](const Delivery& delivery) {
+        if (delivery.vcb == &first) {
+            issue(&inner, 3);
+        }
+        pump(3);
+    };
+    issue(&first, 1);
+    issue(&second, 2);
+    pump(3);
+    EXPECT_EQ(deliveries[2].vcb, &second);
+}
+
 TEST_F(Nof, UnknownVerbsCompleteAtOnce) {
     auto unknown = verb<HEADER_ONLY>(0x1234);
     EXPECT_EQ(issue(&unknown, 1), NOF_COMPLETED);
@@ -146,25 +174,27 @@ TEST_F(Nof, UnknownVerbsCompleteAtOnce) {
     EXPECT_EQ(indication.header.primary_rc, NAP_INVALID_VERB);
 }
 
+// Tells the operator which verbs complete at once; by the first answer he knows.
+void announce_immediate(FakePeer& peer) {
+    const NB_USHORT opcodes[] = {NAP_STOP_LS, NAP_START_DLC};
+    peer.send_frame(whole_frame(WIRE_IMMEDIATE, 0, sizeof opcodes, 0), opcodes, nullptr);
+    peer.answer(peer.receive());
+}
+
 TEST_F(Nof, AnImmediateVerbCompletesDuringTheCallAndTheRestLater) {
     FakeService service([](FakePeer& peer) {
-        const NB_USHORT opcodes[] = {NAP_STOP_LS, NAP_START_DLC};
-        peer.send_frame(whole_frame(WIRE_IMMEDIATE, 0, sizeof opcodes, 0), opcodes, nullptr);
-        peer.answer(peer.receive()); // by which the operator has the list
+        announce_immediate(peer);
         const FakeRequest slow = peer.receive();
         const FakeRequest at_once = peer.receive();
         peer.indicate(verb<DLC_INDICATION>(NAP_DLC_INDICATION), 99);
         peer.answer(slow);
         peer.answer(at_once, NAP_STATE_CHECK, 1);
         peer.answer(peer.receive(), NAP_STATE_CHECK, 2);
-        peer.wait_for_end();
     });
     auto slow = verb<START_LS>(NAP_START_LS);
     auto at_once = verb<STOP_LS>(NAP_STOP_LS);
     auto opening = verb<STOP_DLC>(NAP_STOP_DLC);
-    issue(&opening, 0);
-    pump(1);
-    deliveries.clear();
+    issue_first(&opening);
     EXPECT_EQ(issue(&slow, 1), NOF_IN_PROGRESS);
     EXPECT_EQ(issue(&at_once, 2), NOF_COMPLETED);
     EXPECT_EQ(at_once.header.secondary_rc, 1u);
@@ -176,7 +206,6 @@ TEST_F(Nof, AnImmediateVerbCompletesDuringTheCallAndTheRestLater) {
     EXPECT_EQ(deliveries[0].opcode, NAP_DLC_INDICATION);
     EXPECT_EQ(deliveries[0].correlator, 99u);
     EXPECT_EQ(deliveries[1].vcb, &slow);
-    nof_terminate();
 }
 
 TEST_F(Nof, OneTurnOfTheLoopDeliversNoMoreThanTheLimit) {
@@ -186,7 +215,6 @@ TEST_F(Nof, OneTurnOfTheLoopDeliversNoMoreThanTheLimit) {
             peer.indicate(verb<DLC_INDICATION>(NAP_DLC_INDICATION), i);
         }
         peer.answer(request);
-        peer.wait_for_end();
     });
     vpm_set_io_limit(4);
     auto block = verb<START_LS>(NAP_START_LS);
@@ -199,7 +227,6 @@ TEST_F(Nof, OneTurnOfTheLoopDeliversNoMoreThanTheLimit) {
     for (NB_ULONG i = 0; i < 25; ++i) {
         EXPECT_EQ(deliveries[i].correlator, i);
     }
-    nof_terminate();
 }
 
 TEST_F(Nof, RequestsWaitForASlowServiceInTheirOrder) {
@@ -215,7 +242,6 @@ TEST_F(Nof, RequestsWaitForASlowServiceInTheirOrder) {
             peer.require(request.header.correlator == i && request.block.back() == i);
             peer.answer(request);
         }
-        peer.wait_for_end();
     });
     const std::size_t length = sizeof(DEFINE_TN3270_ACCESS) + SESSIONS * sizeof(TN3270_SESSION);
     std::vector<std::vector<NB_BYTE>> blocks(COUNT, std::vector<NB_BYTE>(length));
@@ -229,7 +255,6 @@ TEST_F(Nof, RequestsWaitForASlowServiceInTheirOrder) {
     ASSERT_EQ(write(go[1], "g", 1), 1);
     pump(COUNT);
     EXPECT_EQ(deliveries.back().correlator, COUNT - 1);
-    nof_terminate();
     close(go[0]);
     close(go[1]);
 }
@@ -241,7 +266,6 @@ TEST_F(Nof, AnAnswerThatNobodyWaitsForIsIgnored) {
         stray.header.request_id = 4711;
         peer.answer(stray);
         peer.answer(request);
-        peer.wait_for_end();
     });
     ptrc.flags = 1; // keeps the log quiet
     auto block = verb<START_LS>(NAP_START_LS);
@@ -249,7 +273,6 @@ TEST_F(Nof, AnAnswerThatNobodyWaitsForIsIgnored) {
     pump(1);
     EXPECT_EQ(deliveries[0].primary, NAP_OK);
     ptrc.flags = 0;
-    nof_terminate();
 }
 
 TEST_F(Nof, WithoutAServiceVerbsFailAtOnceAndOneIndicationTells) {
@@ -274,52 +297,52 @@ struct Fault {
     void (*commit)(FakePeer& peer, const FakeRequest& request);
 };
 
-void send_header(FakePeer& peer, WIRE_FRAME header) {
+// Sends the header of an answer, spoilt in one field.
+template <auto Field, auto Value> void send_header(FakePeer& peer, const FakeRequest&) {
+    WIRE_FRAME header = whole_frame(WIRE_ANSWER, 1, 24, 0);
+    header.*Field = Value;
     peer.send_bytes(&header, sizeof header);
-    peer.wait_for_end();
 }
 
 const Fault FAULTS[] = {
-    {"Closes", [](FakePeer&, const FakeRequest&) {}},
+    {"Closes", [](FakePeer& peer, const FakeRequest&) { peer.leaves = true; }},
     {"HalfAFrame",
-     [](FakePeer& peer, const FakeRequest& request) { peer.send_bytes(&request.header, 20); }},
+     [](FakePeer& peer, const FakeRequest& request) {
+         peer.leaves = true;
+         peer.send_bytes(&request.header, 20);
+     }},
     {"HalfABlock",
      [](FakePeer& peer, const FakeRequest&) {
          const WIRE_FRAME header = whole_frame(WIRE_ANSWER, 1, 24, 0);
          peer.send_bytes(&header, sizeof header);
          peer.send_bytes("abc", 3);
+         peer.leaves = true;
      }},
-    {"LengthTooSmall",
+    {"LengthTooSmall", send_header<&WIRE_FRAME::length, 8u>},
+    {"LengthNotTheSum", send_header<&WIRE_FRAME::block_length, 25u>},
+    {"WrongVersion", send_header<&WIRE_FRAME::version, 99>},
+    {"UnknownKind",
      [](FakePeer& peer, const FakeRequest&) {
-         WIRE_FRAME header = whole_frame(WIRE_ANSWER, 1, 24, 0);
-         header.length = 8;
-         send_header(peer, header);
+         const WIRE_FRAME header = whole_frame(0, 1, 0, 0);
+         peer.send_bytes(&header, sizeof header);
      }},
     {"BlockTooLarge",
      [](FakePeer& peer, const FakeRequest&) {
-         send_header(peer, whole_frame(WIRE_ANSWER, 1, WIRE_MAX_BLOCK + 1, 0));
+         const WIRE_FRAME header = whole_frame(WIRE_ANSWER, 1, WIRE_MAX_BLOCK + 1, 0);
+         peer.send_bytes(&header, sizeof header);
      }},
     {"BufferTooLarge",
      [](FakePeer& peer, const FakeRequest&) {
-         send_header(peer, whole_frame(WIRE_ANSWER, 1, 24, 0xFFFFFFF0));
+         const WIRE_FRAME header = whole_frame(WIRE_ANSWER, 1, 24, 0xFFFFFFF0);
+         peer.send_bytes(&header, sizeof header);
      }},
-    {"WrongVersion",
-     [](FakePeer& peer, const FakeRequest&) {
-         WIRE_FRAME header = whole_frame(WIRE_ANSWER, 1, 0, 0);
-         header.version = 99;
-         send_header(peer, header);
-     }},
-    {"UnknownKind",
-     [](FakePeer& peer, const FakeRequest&) { send_header(peer, whole_frame(0, 1, 0, 0)); }},
     {"AnswerWithoutHeader",
      [](FakePeer& peer, const FakeRequest&) {
          peer.send_frame(whole_frame(WIRE_ANSWER, 1, 4, 0), "abcd", nullptr);
-         peer.wait_for_end();
      }},
     {"IndicationTooShort",
      [](FakePeer& peer, const FakeRequest&) {
          peer.indicate(verb<HEADER_ONLY>(NAP_LS_INDICATION), 0);
-         peer.wait_for_end();
      }},
     {"AnswerLongerThanItsRequest",
      [](FakePeer& peer, const FakeRequest& request) {
@@ -327,19 +350,16 @@ const Fault FAULTS[] = {
          longer.block.resize(request.block.size() + 1);
          longer.header.block_length += 1;
          peer.answer(longer);
-         peer.wait_for_end();
      }},
     {"BufferBeyondItsCapacity",
      [](FakePeer& peer, const FakeRequest& request) {
          peer.answer(request, 0, 0, std::string(request.header.buffer_capacity + 1, '!'));
-         peer.wait_for_end();
      }},
     {"AnswerOfAnotherVerb",
      [](FakePeer& peer, const FakeRequest& request) {
          FakeRequest other = request;
          vcb_header(other.block.data())->opcode = NAP_QUERY_LS;
          peer.answer(other);
-         peer.wait_for_end();
      }},
 };
 
@@ -379,21 +399,18 @@ INSTANTIATE_TEST_SUITE_P(Nof, Faults, testing::ValuesIn(FAULTS),
 
 TEST_F(Nof, WhatCameBeforeTheLossIsDelivered) {
     FakeService service([](FakePeer& peer) {
-        const NB_USHORT opcodes[] = {NAP_STOP_LS};
-        peer.send_frame(whole_frame(WIRE_IMMEDIATE, 0, sizeof opcodes, 0), opcodes, nullptr);
-        peer.answer(peer.receive());
+        announce_immediate(peer);
         const FakeRequest answered = peer.receive();
         peer.receive();
         peer.receive();
         peer.answer(answered);
+        peer.leaves = true;
     });
     auto answered = verb<START_LS>(NAP_START_LS);
-    auto lost = verb<START_DLC>(NAP_START_DLC);
+    auto lost = verb<START_PORT>(NAP_START_PORT);
     auto at_once = verb<STOP_LS>(NAP_STOP_LS);
     auto opening = verb<STOP_DLC>(NAP_STOP_DLC);
-    issue(&opening, 0);
-    pump(1);
-    deliveries.clear();
+    issue_first(&opening);
     issue(&answered, 1);
     issue(&lost, 2);
     EXPECT_EQ(issue(&at_once, 3), NOF_COMPLETED);

@@ -36,56 +36,50 @@ protected:
         ASSERT_NE(mkdtemp(directory.data()), nullptr);
         setenv("TMPDIR", directory.c_str(), 1);
         unsetenv("TESSALY_NODE_SOCKET");
+        XtToolkitInitialize();
+        app = XtCreateApplicationContext();
+        answered = false;
     }
     void TearDown() override {
         nof_terminate();
+        XtDestroyApplicationContext(app);
         EXPECT_TRUE(std::filesystem::is_empty(directory)); // whatever happened
         std::filesystem::remove(directory);
         unsetenv("TMPDIR");
         unsetenv("TESSALY_SIMNODE");
     }
+    NB_USHORT issue() {
+        vpm_asm_use_xt_sched(app, XtAppAddInput, XtRemoveInput);
+        block = {};
+        block.header.opcode = NAP_START_DLC;
+        return nof_async_version(
+            NOF_API_LEVEL, 0, &block, [](NB_HANDLE, void*, NB_ULONG, int) { answered = true; }, 0);
+    }
+    static inline bool answered;
     std::string directory;
+    XtAppContext app;
+    START_DLC block;
 };
-
-NB_ULONG answered_pid;
 
 TEST_F(PrivateService, ServesAndEndsWithTheLibrary) {
     setenv("TESSALY_SIMNODE", "/proc/self/exe", 1);
-    XtToolkitInitialize();
-    const XtAppContext app = XtCreateApplicationContext();
-    vpm_asm_use_xt_sched(app, XtAppAddInput, XtRemoveInput);
-    START_DLC block{};
-    block.header.opcode = NAP_START_DLC;
-    answered_pid = 0;
-    nof_async_version(
-        NOF_API_LEVEL, 0, &block,
-        [](NB_HANDLE, void* vcb, NB_ULONG, int) { answered_pid = vcb_header(vcb)->secondary_rc; },
-        0);
-    EXPECT_TRUE(
-        std::filesystem::is_empty(directory)); // nothing is left even if this process is killed now
-    while (answered_pid == 0) {
+    EXPECT_EQ(issue(), NOF_IN_PROGRESS);
+    // Nothing is left even if this process is killed now.
+    EXPECT_TRUE(std::filesystem::is_empty(directory));
+    while (!answered) {
         XtAppProcessEvent(app, XtIMAll);
     }
     nof_terminate();
-    EXPECT_EQ(kill(static_cast<pid_t>(answered_pid), 0), -1);
-    XtDestroyApplicationContext(app);
+    EXPECT_EQ(kill(static_cast<pid_t>(block.header.secondary_rc), 0), -1);
 }
 
 TEST_F(PrivateService, AServiceThatCannotStartIsALostLink) {
     for (const char* program : {"/bin/false", "/nonexistent"}) {
         setenv("TESSALY_SIMNODE", program, 1);
-        XtToolkitInitialize();
-        const XtAppContext app = XtCreateApplicationContext();
-        vpm_asm_use_xt_sched(app, XtAppAddInput, XtRemoveInput);
-        START_DLC block{};
-        block.header.opcode = NAP_START_DLC;
-        EXPECT_EQ(nof_async_version(
-                      NOF_API_LEVEL, 0, &block, [](NB_HANDLE, void*, NB_ULONG, int) {}, 0),
-                  NOF_COMPLETED);
+        EXPECT_EQ(issue(), NOF_COMPLETED);
         EXPECT_EQ(block.header.primary_rc, NAP_INDICATION);
         EXPECT_EQ(block.header.secondary_rc, NAP_LINK_LOST);
         nof_terminate();
-        XtDestroyApplicationContext(app);
     }
 }
 

@@ -9,10 +9,12 @@
 #include "simnode/domain_file.h"
 #include "simnode/service.h"
 
+#include <algorithm>
 #include <cstring>
 #include <gtest/gtest.h>
 #include <memory>
 #include <optional>
+#include <span>
 #include <sys/socket.h>
 #include <unistd.h>
 
@@ -26,8 +28,15 @@ struct Received {
     Bytes buffer;
 
     template <typename T> T& as() { return *reinterpret_cast<T*>(block.data()); }
+    simnode::Rc rc() const {
+        return {vcb_header(block.data())->primary_rc, vcb_header(block.data())->secondary_rc};
+    }
     NB_USHORT opcode() const { return vcb_header(block.data())->opcode; }
 };
+
+template <typename T> std::span<const NB_BYTE> bytes_of(const T& block) {
+    return {reinterpret_cast<const NB_BYTE*>(&block), sizeof block};
+}
 
 struct Client {
     simnode::Service& service;
@@ -134,8 +143,12 @@ struct Client {
     template <typename T>
     requires std::is_trivially_copyable_v<T> Received call(const T& block, NB_HANDLE target,
                                                            NB_ULONG capacity = 0) {
-        return call(std::span(reinterpret_cast<const NB_BYTE*>(&block), sizeof block), target,
-                    capacity);
+        return call(bytes_of(block), target, capacity);
+    }
+
+    // Sends a verb and does not wait for its answer.
+    template <typename T> void post(const T& block, NB_HANDLE target, NB_ULONG capacity = 0) {
+        send(WIRE_REQUEST, bytes_of(block), target, 0, capacity);
     }
 
     // The exit status of a control command; its text goes to output.
@@ -165,8 +178,7 @@ struct Client {
         REGISTER_INDICATION_SINK sink{};
         sink.header.opcode = NAP_REGISTER_INDICATION_SINK;
         sink.indication_opcode = kind;
-        Received answer = call(std::span(reinterpret_cast<const NB_BYTE*>(&sink), sizeof sink),
-                               target, 0, correlator);
+        Received answer = call(bytes_of(sink), target, 0, correlator);
         EXPECT_EQ(answer.as<VCB_HEADER>().primary_rc, NAP_OK);
     }
 
@@ -206,11 +218,38 @@ inline void load_text(simnode::Service& service, std::string_view text) {
     ASSERT_TRUE(parse_domain(service.world.domain, text, "test.toml", error)) << error;
 }
 
-inline void load_demo(simnode::Service& service) {
-    std::string error;
-    ASSERT_TRUE(load_domain(service.world.domain,
-                            std::string(TESSALY_SOURCE_DIR) + "/data/domains/demo.toml", error))
-        << error;
+// A service with a domain of those that are shipped.
+struct ShippedService : simnode::Service {
+    explicit ShippedService(const std::string& name = "demo") {
+        std::string error;
+        EXPECT_TRUE(
+            load_domain(world.domain, TESSALY_SOURCE_DIR "/data/domains/" + name + ".toml", error))
+            << error;
+    }
+};
+
+// The demonstration domain with its one node, and an operator or a command line.
+struct DemoTest : testing::Test {
+    ShippedService service;
+    Client client{service};
+    simnode::Node& node = *service.world.domain.nodes.front();
+};
+
+// The entries of a list's answer.
+inline std::vector<Bytes> entries_of(const Received& answer) {
+    std::vector<Bytes> entries;
+    for (std::size_t at = 0; at < answer.buffer.size();) {
+        NB_USHORT length = 0;
+        std::memcpy(&length, answer.buffer.data() + at, sizeof length);
+        if (length == 0 || at + length > answer.buffer.size()) {
+            ADD_FAILURE() << "entry length " << length;
+            break;
+        }
+        entries.emplace_back(answer.buffer.begin() + static_cast<std::ptrdiff_t>(at),
+                             answer.buffer.begin() + static_cast<std::ptrdiff_t>(at + length));
+        at += length;
+    }
+    return entries;
 }
 
 } // namespace simnode_test

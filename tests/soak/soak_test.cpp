@@ -171,9 +171,11 @@ TEST_F(Soak, NothingBreaksAndNothingGrows) {
     }
     const double memory_after = resident_kib();
     std::printf("%ld steps, %.0f KiB, then %.0f KiB\n", steps, memory_before, memory_after);
-    if (length > usual) { // in a short one each window opens for the first time
+#ifndef __SANITIZE_ADDRESS__ // which keeps what is freed for a while, and looks for leaks itself
+    if (length > usual) {    // in a short one each window opens for the first time
         EXPECT_LT(memory_after, memory_limit * memory_before);
     }
+#endif
 }
 
 } // namespace

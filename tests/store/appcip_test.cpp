@@ -7,20 +7,12 @@
 namespace store_test {
 namespace {
 
-using Rows = std::vector<std::string>;
-
 struct AppcOverIp : Store {
     AppcOverIp() {
         node->node_handle = FIRST_NODE_HANDLE;
         gvga_querybuf_size = 4096;
         const IPBRIDGE_APPCIP_DEFAULTS defaults{};
         vga_add_ipbridge_appcip_defaults(node, &defaults);
-    }
-    vga_appcip_sess* add_appcip(const std::string& lu, NB_ULONG id) {
-        auto e = entry<IPBRIDGE_APPCIP_ENTRY>();
-        put(e.session.lu_name, lu);
-        e.session.session_id = id;
-        return vga_insert_vga_appcip_sess(vga_init_vga_appcip_sess(node, &e), node);
     }
     void indicate(NB_ULONG id, const std::string& lu, NB_BYTE change, bool resync = false,
                   NB_BYTE type = 0) {
@@ -33,12 +25,6 @@ struct AppcOverIp : Store {
         put(ind.session.lu_name, lu);
         VGA_COMPLETION completion{FIRST_NODE_HANDLE, &ind, node->handle};
         vga_indication_handler(&completion, &ind);
-    }
-    void lists(const std::string& lu, NB_ULONG id) {
-        auto e = entry<IPBRIDGE_APPCIP_ENTRY>();
-        put(e.session.lu_name, lu);
-        e.session.session_id = id;
-        script.has(NAP_QUERY_IPBRIDGE_APPCIP, e);
     }
     ScriptedNode script;
 };
@@ -64,7 +50,10 @@ TEST_F(AppcOverIp, LostIndicationsAreMadeUpForByTheList) {
     add_appcip("LUB", 2);
     add_appcip("LUD", 4);
     for (const auto& [lu, id] : {std::pair{"LUA", 1u}, {"LUC", 3u}, {"LUD", 4u}}) {
-        lists(lu, id);
+        auto e = entry<IPBRIDGE_APPCIP_ENTRY>();
+        put(e.session.lu_name, lu);
+        e.session.session_id = id;
+        script.has(NAP_QUERY_IPBRIDGE_APPCIP, e);
     }
     indicate(0, "", 0, true);
     EXPECT_EQ(node->checks_running[VGA_CHECK_IPBRIDGE_SESS], 1u);

@@ -1,9 +1,7 @@
-// Who has a name already, and the order of TN3270 sessions.
+// Who has a name already.
 #include "fixture.h"
 
 #include "store/tracking.h"
-#include "ui/framework/dialog.h"
-#include "ui/framework/firewall.h"
 
 namespace store_test {
 namespace {
@@ -12,25 +10,6 @@ struct Clash : Store {
     Clash() {
         gvga_messages[275] = "%1";
         add_pu(pu("PU1", "", NAP_DLUR_ATTACHED));
-        dialog.open = 1;
-        nba_init_q(&dialog.modal_dlg.queue);
-        gvga_modal_firewall_count = 1; // messages wait
-    }
-    ~Clash() override { gvga_modal_firewall_count = 0; }
-    int errors_shown() {
-        int messages = 0;
-        while (auto* message = static_cast<NBA_QUEUE*>(nba_get_q_head(&dialog.modal_dlg.queue))) {
-            nba_remove_from_q(message);
-            vga_free(message);
-            ++messages;
-        }
-        return messages;
-    }
-    void add_down_lu(const std::string& name) {
-        const PU_ENTRY e = pu("DSPU");
-        vga_pu* owner = vga_insert_vga_down_pu(vga_init_vga_down_pu(node, &e), node);
-        const DOWN_LU_ENTRY lu = down_lu(name, 1);
-        vga_insert_vga_down_lu(vga_init_vga_down_lu(owner, &lu), owner);
     }
     void add_pooled(const std::string& name, NB_BYTE nau, const std::string& pool) {
         LU03_ENTRY e = lu03(name, "PU1", nau);
@@ -46,9 +25,9 @@ struct Clash : Store {
     bool xd_free(const std::string& name, const vga_lu03* lu = nullptr) {
         char text[14];
         put(text, name);
-        return vga_check_lu_xd_name_clash(text, lu, node, &dialog);
+        return vga_check_lu_xd_name_clash(text, lu, node, &messages.window);
     }
-    vga_dialog dialog{};
+    Messages messages;
 };
 
 TEST_F(Clash, ALuNameIsSoughtOnTheNodeThenAmongPoolsThenInTheDomain) {
@@ -56,7 +35,7 @@ TEST_F(Clash, ALuNameIsSoughtOnTheNodeThenAmongPoolsThenInTheDomain) {
     add_lu62(lu62("DEP62", "DEP62", 3, "PU1"));
     add_pooled("POOLED", 4, "POOL");
     add_pooled("POOLED2", 5, "BOTH");
-    add_down_lu("DOWN");
+    add_down_lu(down_lu("DOWN", 1), add_down_pu(pu("DSPU")));
     add_lu62(lu62("IND62", "IND62"));
     add_lu62(lu62("BOTH", "BOTH"));
     vga_node* first = node;
@@ -145,10 +124,10 @@ TEST_F(Clash, NamesAtTheHostAreSoughtAmongExtraDataAndLusWithoutAny) {
     EXPECT_TRUE(xd_free("LU1")) << "it goes by another name";
     EXPECT_TRUE(xd_free("DEP62"));
     EXPECT_TRUE(xd_free("HOSTNAME0001", named)) << "its own";
-    EXPECT_EQ(errors_shown(), 0);
+    EXPECT_EQ(messages.shown(), 0);
     EXPECT_FALSE(xd_free("HOSTNAME0001"));
     EXPECT_FALSE(xd_free("PLAIN", named));
-    EXPECT_EQ(errors_shown(), 2);
+    EXPECT_EQ(messages.shown(), 2);
 }
 
 TEST_F(Clash, ARangeHasItsNumbersInThreeDecimalOrTwoHexadecimalDigits) {
@@ -173,10 +152,11 @@ TEST_F(Clash, ARangeHasItsNumbersInThreeDecimalOrTwoHexadecimalDigits) {
         {"AB", 3, 2, true, true},
     };
     for (const Case& c : cases) {
-        EXPECT_EQ(vga_check_lu_range_xd_clash(c.base, c.first, c.last, node, &dialog, c.decimal),
-                  c.free)
+        EXPECT_EQ(
+            vga_check_lu_range_xd_clash(c.base, c.first, c.last, node, &messages.window, c.decimal),
+            c.free)
             << c.base << ' ' << c.first << '-' << c.last;
-        EXPECT_EQ(errors_shown(), c.free ? 0 : 1);
+        EXPECT_EQ(messages.shown(), c.free ? 0 : 1);
     }
 }
 
@@ -185,8 +165,7 @@ TEST_F(Clash, AnAccessListIsUsedByProgramsAndLocalLus) {
     put(tp_list, "TPLIST");
     put(lu_list, "LULIST");
     put(unused, "OTHER");
-    auto tp = entry<TP_DEF_ENTRY>();
-    put(tp.tp_name, "TP");
+    auto tp = entry(&TP_DEF_ENTRY::tp_name, "TP");
     put(tp.def.access_list_name, "TPLIST");
     vga_insert_vga_tp_def(vga_init_vga_tp_def(node, &tp), node);
     LU62_ENTRY lu = lu62("LU", "LU");
@@ -195,37 +174,6 @@ TEST_F(Clash, AnAccessListIsUsedByProgramsAndLocalLus) {
     EXPECT_FALSE(vga_access_list_unused(node, tp_list));
     EXPECT_FALSE(vga_access_list_unused(node, lu_list));
     EXPECT_TRUE(vga_access_list_unused(node, unused));
-}
-
-TEST_F(Clash, SessionsFollowOneAnotherAcrossClientsWithoutAny) {
-    EXPECT_EQ(vga_get_next_tn_sess(nullptr, node), nullptr);
-    EXPECT_EQ(vga_get_prev_tn_sess(nullptr, node), nullptr);
-    std::vector<std::string> order;
-    for (const auto& [name, ports] : {std::pair<const char*, std::vector<NB_USHORT>>{"a", {}},
-                                      {"b", {24, 23}},
-                                      {"c", {}},
-                                      {"d", {23}},
-                                      {"e", {}}}) {
-        auto e = entry<TN3270_ACCESS_ENTRY>();
-        std::strcpy(e.client.address, name);
-        vga_tn_client* client = vga_insert_vga_tn_client(vga_init_vga_tn_client(node, &e), node);
-        for (const NB_USHORT port : ports) {
-            auto s = entry<TN3270_SESSION>();
-            s.port = port;
-            vga_insert_vga_tn_sess(vga_init_vga_tn_sess(client, &s), client);
-        }
-    }
-    for (auto* s = vga_get_next_tn_sess(nullptr, node); s != nullptr;
-         s = vga_get_next_tn_sess(s, node)) {
-        order.push_back(s->parent->vcb.client.address + std::to_string(s->vcb.port));
-    }
-    EXPECT_EQ(order, (std::vector<std::string>{"b23", "b24", "d23"}));
-    order.clear();
-    for (auto* s = vga_get_prev_tn_sess(nullptr, node); s != nullptr;
-         s = vga_get_prev_tn_sess(s, node)) {
-        order.push_back(s->parent->vcb.client.address + std::to_string(s->vcb.port));
-    }
-    EXPECT_EQ(order, (std::vector<std::string>{"d23", "b24", "b23"}));
 }
 
 } // namespace

@@ -84,26 +84,5 @@ TEST(Compare, DefaultRecordsComeFirst) {
     EXPECT_EQ(vga_compare_tn_redirect(&other, &other), 0);
 }
 
-TEST(Compare, CompositeKeysFallBackToTheirSecondPart) {
-    NB_NAME8E name;
-    put(name, "LU1");
-    NB_NODE_NAME first = "alpha";
-    NB_NODE_NAME second = "beta";
-    const vga_lu_key on_first{name, first};
-    const vga_lu_key on_second{name, second};
-    EXPECT_LT(vga_compare_lu(&on_first, &on_second), 0);
-    EXPECT_EQ(vga_compare_lu(&on_first, &on_first), 0);
-
-    DIRECTORY_ENTRY lu = directory("NET.A", NAP_LU_RESOURCE, 1);
-    DIRECTORY_ENTRY cp = directory("NET.A", NAP_END_NODE_CP_RESOURCE, 1);
-    cp.length = 1; // no part of the key
-    EXPECT_LT(vga_compare_directory_entries(&lu, &cp), 0);
-    vga_rem_plu_key plain{};
-    vga_rem_plu_key wildcard{};
-    plain.number = NAP_LU_RESOURCE;
-    wildcard.number = NAP_WILDCARD_LU_RESOURCE;
-    EXPECT_LT(vga_compare_rem_plu(&plain, &wildcard), 0);
-}
-
 } // namespace
 } // namespace store_test

@@ -10,6 +10,7 @@
 #include "shell/messages.h"
 #include "store/remove.h"
 #include "store/store.h"
+#include "ui/framework/dialog.h"
 #include "ui/viewer/viewer_type.h"
 
 #include <array>
@@ -18,6 +19,8 @@
 #include <vector>
 
 namespace store_test {
+
+using Rows = std::vector<std::string>;
 
 template <std::size_t N> void put(char (&field)[N], const std::string& text) {
     std::memset(field, ' ', N);
@@ -41,6 +44,12 @@ template <typename T> T entry() {
     blank.length = sizeof(T);
     return blank;
 }
+// The same with its name in a field.
+template <typename T, typename Field> T entry(Field T::*field, const std::string& name) {
+    T named = entry<T>();
+    put(named.*field, name);
+    return named;
+}
 
 DLC_ENTRY dlc(const std::string& name, NB_BYTE type = NAP_DLC_ETHERNET);
 PORT_ENTRY port(const std::string& name, const std::string& dlc_name);
@@ -62,9 +71,34 @@ NODE_ALL_ENTRY node_all(const std::string& name);
 // The name a row's record has.
 std::string row_name(const vga_viewer& row);
 // The rows of a list, children behind a blank for each level, whether expanded or not.
-std::vector<std::string> rows(vga_viewer_root& root);
-// The number of records; the test fails when their order or balance is broken.
-std::size_t count(const NTL_AVL_TREE& tree);
+Rows rows(vga_viewer_root& root);
+// The records in their order; the test fails when order or balance of the tree is broken.
+std::vector<void*> records(const NTL_AVL_TREE& tree);
+template <typename T> std::vector<T*> all(const NTL_AVL_TREE& tree) {
+    std::vector<T*> found;
+    for (void* record : records(tree)) {
+        found.push_back(static_cast<T*>(record));
+    }
+    return found;
+}
+inline std::size_t count(const NTL_AVL_TREE& tree) {
+    return records(tree).size();
+}
+// The record of that name in a tree whose keys are names of a type, or null.
+template <typename T, typename Name> T* named(const NTL_AVL_TREE& tree, const std::string& text) {
+    Name key;
+    put(key, text);
+    return static_cast<T*>(ntl_avl_find(&tree, key));
+}
+
+// A window whose message boxes wait, as long as it lives.
+struct Messages {
+    Messages();
+    ~Messages();
+    int shown(); // since the last call
+
+    vga_dialog window{};
+};
 
 // An empty store with one node, NODE1, whose control point is NET.CP with the alias CP.
 struct Store : testing::Test {
@@ -76,9 +110,14 @@ struct Store : testing::Test {
     vga_port* add_port(const std::string& name); // with a DLC of that name
     vga_ls* add_ls(const LS_ENTRY& entry);       // with its PU
     vga_pu* add_pu(const PU_ENTRY& entry);
+    vga_pu* add_down_pu(const PU_ENTRY& entry);
+    vga_down_lu* add_down_lu(const DOWN_LU_ENTRY& entry, vga_pu* owner);
     vga_lu03* add_lu03(const LU03_ENTRY& entry);
     vga_lu62* add_lu62(const LU62_ENTRY& entry);
     vga_rem_sys* add_rem_sys(const std::string& name);
+    vga_appcip_sess* add_appcip(const std::string& lu, NB_ULONG id);
+    // Hands a page of mode entries over as the answer of a query.
+    void list_modes(vga_lu62* lu, std::vector<MODE_ENTRY> entries);
 
     vga_node* node;
     std::size_t asserts;

@@ -1,9 +1,11 @@
 #include "fixture.h"
 
+#include "store/build.h"
+#include "ui/framework/firewall.h"
 #include "ui/viewer/viewer_internal.h"
 
+#include <algorithm>
 #include <cstdlib>
-#include <functional>
 
 namespace store_test {
 
@@ -15,7 +17,7 @@ template <typename T> T* found(const NTL_AVL_TREE& tree, const void* key) {
     return record;
 }
 
-void collect(const NTL_AVL_TREE& items, const std::string& indent, std::vector<std::string>* out) {
+void collect(const NTL_AVL_TREE& items, const std::string& indent, Rows* out) {
     for (const vga_viewer* row = vga_viewer_top(items); row != nullptr;
          row = vga_viewer_sibling_below(row)) {
         out->push_back(indent + row_name(*row));
@@ -23,34 +25,66 @@ void collect(const NTL_AVL_TREE& items, const std::string& indent, std::vector<s
     }
 }
 
-int height(const NTL_AVL_NODE* node) {
+int in_order(const NTL_AVL_TREE& tree, const NTL_AVL_NODE* node, std::vector<void*>* out,
+             const void** previous) {
     if (node == nullptr) {
         return 0;
     }
-    const int left = height(node->left);
-    const int right = height(node->right);
+    const int left = in_order(tree, node->left, out, previous);
+    EXPECT_TRUE(*previous == nullptr || tree.compare(*previous, node->key) < 0);
+    *previous = node->key;
+    out->push_back(node->self);
+    const int right = in_order(tree, node->right, out, previous);
     EXPECT_LE(std::abs(left - right), 1);
     return std::max(left, right) + 1;
 }
 
+// Rows that one field of their record names.
+struct NamedRow {
+    int type;
+    std::string (*name)(const void* record);
+};
+#define NAMED(type, Record, field)                                                                 \
+    {                                                                                              \
+        type, [](const void* record) { return get(static_cast<const Record*>(record)->field); }    \
+    }
+constexpr NamedRow named_rows[] = {
+    NAMED(VGA_VIEWER_PORT, vga_port, vcb->port_name),
+    NAMED(VGA_VIEWER_LS_NO_PU, vga_ls, vcb->ls_name),
+    NAMED(VGA_VIEWER_LOCAL_PU, vga_pu, vcb.pu_name),
+    NAMED(VGA_VIEWER_DOWN_LU, vga_down_lu, vcb.dslu_name),
+    NAMED(VGA_VIEWER_LU62, vga_lu62, vcb.lu_name),
+    NAMED(VGA_VIEWER_NODE, vga_node, node_name),
+    NAMED(VGA_VIEWER_REM_SYS, vga_rem_sys, cp_name),
+    NAMED(VGA_VIEWER_REM_PLU, vga_rem_plu, key.plu_name),
+    NAMED(VGA_VIEWER_REM_PLU_NO_SESS, vga_rem_plu, key.plu_name),
+    NAMED(VGA_VIEWER_PRIMARY_LINE, vga_primary_line, vcb.line_name),
+    NAMED(VGA_VIEWER_PRIMARY_LU0, vga_primary_lu0, vcb.lu_name),
+    NAMED(VGA_VIEWER_APPCIP_SESS, vga_appcip_sess, vcb.session.lu_name),
+    NAMED(VGA_VIEWER_USER, vga_user, vcb.user_name),
+    NAMED(VGA_VIEWER_USER_SESS, vga_user_sess, vcb.session_name),
+    NAMED(VGA_VIEWER_CPIC, vga_cpic, vcb.sym_dest_name),
+    NAMED(VGA_VIEWER_RJE, vga_rje_wkstn, vcb.wkstn_name),
+    NAMED(VGA_VIEWER_POOL, vga_sys_pool, pool_name),
+    NAMED(VGA_VIEWER_POOL_LU, vga_lu03, vcb.lu_name),
+};
+#undef NAMED
+
 } // namespace
 
 DLC_ENTRY dlc(const std::string& name, NB_BYTE type) {
-    auto e = entry<DLC_ENTRY>();
-    put(e.dlc_name, name);
+    auto e = entry(&DLC_ENTRY::dlc_name, name);
     e.def.dlc_type = type;
     return e;
 }
 PORT_ENTRY port(const std::string& name, const std::string& dlc_name) {
-    auto e = entry<PORT_ENTRY>();
-    put(e.port_name, name);
+    auto e = entry(&PORT_ENTRY::port_name, name);
     put(e.def.dlc_name, dlc_name);
     return e;
 }
 LS_ENTRY ls(const std::string& name, const std::string& port_name, const std::string& pu_name,
             const std::string& dspu_name) {
-    auto e = entry<LS_ENTRY>();
-    put(e.ls_name, name);
+    auto e = entry(&LS_ENTRY::ls_name, name);
     put(e.def.port_name, port_name);
     e.def.solicit_sscp_sessions = !pu_name.empty();
     put(e.def.pu_name, pu_name);
@@ -59,29 +93,25 @@ LS_ENTRY ls(const std::string& name, const std::string& port_name, const std::st
     return e;
 }
 PU_ENTRY pu(const std::string& name, const std::string& ls_name, NB_BYTE attachment) {
-    auto e = entry<PU_ENTRY>();
-    put(e.pu_name, name);
+    auto e = entry(&PU_ENTRY::pu_name, name);
     put(e.ls_name, ls_name);
     e.host_attachment = attachment;
     return e;
 }
 LU03_ENTRY lu03(const std::string& name, const std::string& pu_name, NB_BYTE nau) {
-    auto e = entry<LU03_ENTRY>();
-    put(e.lu_name, name);
+    auto e = entry(&LU03_ENTRY::lu_name, name);
     put(e.def_data.pu_name, pu_name);
     e.def_data.nau_address = nau;
     return e;
 }
 DOWN_LU_ENTRY down_lu(const std::string& name, NB_BYTE nau) {
-    auto e = entry<DOWN_LU_ENTRY>();
-    put(e.dslu_name, name);
+    auto e = entry(&DOWN_LU_ENTRY::dslu_name, name);
     e.def.nau_address = nau;
     return e;
 }
 LU62_ENTRY lu62(const std::string& name, const std::string& alias, NB_BYTE nau,
                 const std::string& pu_name) {
-    auto e = entry<LU62_ENTRY>();
-    put(e.lu_name, name);
+    auto e = entry(&LU62_ENTRY::lu_name, name);
     put(e.def.lu_alias, alias);
     e.def.nau_address = nau;
     put(e.def.pu_name, pu_name);
@@ -89,8 +119,7 @@ LU62_ENTRY lu62(const std::string& name, const std::string& alias, NB_BYTE nau,
 }
 MODE_ENTRY mode(const std::string& name, const std::string& partner, NB_USHORT sessions,
                 const std::string& cp_name) {
-    auto e = entry<MODE_ENTRY>();
-    put(e.mode_name, name);
+    auto e = entry(&MODE_ENTRY::mode_name, name);
     put(e.plu_name, partner);
     e.act_sess_count = sessions;
     e.cp_known = !cp_name.empty();
@@ -99,8 +128,7 @@ MODE_ENTRY mode(const std::string& name, const std::string& partner, NB_USHORT s
 }
 DIRECTORY_ENTRY directory(const std::string& name, NB_USHORT type, NB_BYTE entry_type,
                           const std::string& parent, NB_USHORT parent_type) {
-    auto e = entry<DIRECTORY_ENTRY>();
-    put(e.resource_name, name);
+    auto e = entry(&DIRECTORY_ENTRY::resource_name, name);
     e.resource_type = type;
     e.entry_type = entry_type;
     put(e.parent_name, parent);
@@ -108,47 +136,30 @@ DIRECTORY_ENTRY directory(const std::string& name, NB_USHORT type, NB_BYTE entry
     return e;
 }
 PLU_DEF_ENTRY plu_def(const std::string& name, const std::string& alias) {
-    auto e = entry<PLU_DEF_ENTRY>();
-    put(e.plu_name, name);
+    auto e = entry(&PLU_DEF_ENTRY::plu_name, name);
     put(e.def.plu_alias, alias);
     return e;
 }
 NODE_ALL_ENTRY node_all(const std::string& name) {
-    auto e = entry<NODE_ALL_ENTRY>();
-    put(e.node_name, name);
-    return e;
+    return entry(&NODE_ALL_ENTRY::node_name, name);
 }
 
 std::string row_name(const vga_viewer& row) {
+    for (const auto& [type, name_of] : named_rows) {
+        if (type == row.type) {
+            return name_of(row.data);
+        }
+    }
     switch (row.type) {
-    case VGA_VIEWER_PORT:
-        return get(static_cast<vga_port*>(row.data)->vcb->port_name);
     case VGA_VIEWER_LS:
         return get(static_cast<vga_ls*>(row.data)->vcb->ls_name) + "+";
-    case VGA_VIEWER_LS_NO_PU:
-        return get(static_cast<vga_ls*>(row.data)->vcb->ls_name);
-    case VGA_VIEWER_LOCAL_PU:
-        return get(static_cast<vga_pu*>(row.data)->vcb.pu_name);
     case VGA_VIEWER_DEPLU:
         return static_cast<vga_deplu*>(row.data)->lu_type == VGA_DEPLU_TYPE_LU03
                    ? get(static_cast<vga_lu03*>(row.data)->vcb.lu_name)
                    : get(static_cast<vga_lu62*>(row.data)->vcb.lu_name);
-    case VGA_VIEWER_DOWN_LU:
-        return get(static_cast<vga_down_lu*>(row.data)->vcb.dslu_name);
-    case VGA_VIEWER_LU62:
-        return get(static_cast<vga_lu62*>(row.data)->vcb.lu_name);
     case VGA_VIEWER_MODE:
         return get(static_cast<vga_mode*>(row.data)->parent->vcb.plu_name) + "/" +
                get(static_cast<vga_mode*>(row.data)->vcb.mode_name);
-    case VGA_VIEWER_MODE_DEF:
-        return get(static_cast<vga_mode_def*>(row.data)->vcb.mode_name);
-    case VGA_VIEWER_NODE:
-        return get(static_cast<vga_node*>(row.data)->node_name);
-    case VGA_VIEWER_REM_SYS:
-        return get(static_cast<vga_rem_sys*>(row.data)->cp_name);
-    case VGA_VIEWER_REM_PLU:
-    case VGA_VIEWER_REM_PLU_NO_SESS:
-        return get(static_cast<vga_rem_plu*>(row.data)->key.plu_name);
     case VGA_VIEWER_REM_SESS:
         return get(static_cast<vga_rem_sess*>(row.data)->key.lu_name) + "/" +
                get(static_cast<vga_rem_sess*>(row.data)->key.mode_name);
@@ -158,14 +169,6 @@ std::string row_name(const vga_viewer& row) {
         const LS_ROUTING_KEY& key = static_cast<vga_ls_routing*>(row.data)->vcb.key;
         return get(key.plu_name) + (key.wildcard == 1 ? "*" : "");
     }
-    case VGA_VIEWER_PRIMARY_LINE:
-        return get(static_cast<vga_primary_line*>(row.data)->vcb.line_name);
-    case VGA_VIEWER_PRIMARY_LU0:
-        return get(static_cast<vga_primary_lu0*>(row.data)->vcb.lu_name);
-    case VGA_VIEWER_DSLU_TEMPLATE: {
-        const DSLU_TEMPLATE& range = static_cast<vga_dslu_template*>(row.data)->vcb;
-        return std::to_string(range.first_nau) + "-" + std::to_string(range.last_nau);
-    }
     case VGA_VIEWER_SL_SECURITY: {
         const vga_sl_sec_key& key = static_cast<vga_lu_lu_password*>(row.data)->key;
         return get(key.lu_name) + "/" + get(key.plu_name);
@@ -174,52 +177,41 @@ std::string row_name(const vga_viewer& row) {
         const auto* sess = static_cast<vga_tn_sess*>(row.data);
         return get(sess->parent->vcb.client.address) + "/" + std::to_string(sess->vcb.port);
     }
-    case VGA_VIEWER_APPCIP_SESS:
-        return get(static_cast<vga_appcip_sess*>(row.data)->vcb.session.lu_name);
-    case VGA_VIEWER_USER:
-        return get(static_cast<vga_user*>(row.data)->vcb.user_name);
-    case VGA_VIEWER_USER_SESS:
-        return get(static_cast<vga_user_sess*>(row.data)->vcb.session_name);
-    case VGA_VIEWER_CPIC:
-        return get(static_cast<vga_cpic*>(row.data)->vcb.sym_dest_name);
-    case VGA_VIEWER_RJE:
-        return get(static_cast<vga_rje_wkstn*>(row.data)->vcb.wkstn_name);
-    case VGA_VIEWER_POOL:
-        return get(static_cast<vga_sys_pool*>(row.data)->pool_name);
-    case VGA_VIEWER_POOL_LU:
-        return get(static_cast<vga_lu03*>(row.data)->vcb.lu_name);
-    case VGA_VIEWER_SL_SEC_TITLE:
-    case VGA_VIEWER_TN_SESS_TITLE:
-    case VGA_VIEWER_APPCIP_SESS_TITLE:
-        return "title";
     default:
-        return "?";
+        return "title";
     }
 }
 
-std::vector<std::string> rows(vga_viewer_root& root) {
-    std::vector<std::string> out;
+Rows rows(vga_viewer_root& root) {
+    Rows out;
     collect(root.top_items, "", &out);
     return out;
 }
 
-std::size_t count(const NTL_AVL_TREE& tree) {
-    height(tree.root);
-    std::size_t records = 0;
-    const NTL_AVL_NODE* stack[64];
-    int depth = 0;
+std::vector<void*> records(const NTL_AVL_TREE& tree) {
+    std::vector<void*> out;
     const void* previous = nullptr;
-    for (const NTL_AVL_NODE* node = tree.root; node != nullptr || depth > 0;) {
-        for (; node != nullptr; node = node->left) {
-            stack[depth++] = node;
-        }
-        node = stack[--depth];
-        EXPECT_TRUE(previous == nullptr || tree.compare(previous, node->key) < 0);
-        previous = node->key;
-        ++records;
-        node = node->right;
+    in_order(tree, tree.root, &out, &previous);
+    return out;
+}
+
+Messages::Messages() {
+    window.open = 1;
+    nba_init_q(&window.modal_dlg.queue);
+    gvga_modal_firewall_count = 1;
+}
+Messages::~Messages() {
+    EXPECT_EQ(shown(), 0);
+    gvga_modal_firewall_count = 0;
+}
+int Messages::shown() {
+    int messages = 0;
+    while (auto* message = static_cast<NBA_QUEUE*>(nba_get_q_head(&window.modal_dlg.queue))) {
+        nba_remove_from_q(message); // which stands at the start of what waits
+        vga_free(message);
+        ++messages;
     }
-    return records;
+    return messages;
 }
 
 Store::Store() {
@@ -228,6 +220,9 @@ Store::Store() {
     gvga_exit_code = 0;
     gvga_store_hooks = {};
     gvga_metrics.item_height = 16;
+    for (const char*& message : gvga_messages) {
+        message = message != nullptr ? message : ""; // no catalogue
+    }
     gvga_messages[232] = "DLUR";
     gvga_messages[233] = "LINES";
     gvga_messages[231] = "the node's own LU";
@@ -239,6 +234,8 @@ Store::Store() {
 }
 
 Store::~Store() {
+    vga_fail_allocation(0);
+    std::fill(std::begin(gvga_supported), std::end(gvga_supported), NB_USHORT{0});
     EXPECT_EQ(nba_assert_count(), asserts) << nba_last_assert();
     vga_free_verb_queues();
     vga_destroy_data_structures();
@@ -271,6 +268,12 @@ vga_ls* Store::add_ls(const LS_ENTRY& e) {
 vga_pu* Store::add_pu(const PU_ENTRY& e) {
     return vga_insert_vga_local_pu(vga_init_vga_local_pu(node, &e), node);
 }
+vga_pu* Store::add_down_pu(const PU_ENTRY& e) {
+    return vga_insert_vga_down_pu(vga_init_vga_down_pu(node, &e), node);
+}
+vga_down_lu* Store::add_down_lu(const DOWN_LU_ENTRY& e, vga_pu* owner) {
+    return vga_insert_vga_down_lu(vga_init_vga_down_lu(owner, &e), owner);
+}
 vga_lu03* Store::add_lu03(const LU03_ENTRY& e) {
     auto* owner = found<vga_pu>(node->local_pu_tree, e.def_data.pu_name);
     return vga_insert_vga_lu03(vga_init_vga_lu03(owner, &e), owner);
@@ -281,6 +284,21 @@ vga_lu62* Store::add_lu62(const LU62_ENTRY& e) {
 vga_rem_sys* Store::add_rem_sys(const std::string& name) {
     const DIRECTORY_ENTRY e = directory(name, NAP_END_NODE_CP_RESOURCE, NOF_DIRECTORY_DEFINED);
     return vga_insert_vga_rem_sys(vga_init_vga_rem_sys(node, e.resource_name, true, &e), node);
+}
+vga_appcip_sess* Store::add_appcip(const std::string& lu, NB_ULONG id) {
+    auto e = entry<IPBRIDGE_APPCIP_ENTRY>();
+    put(e.session.lu_name, lu);
+    e.session.session_id = id;
+    return vga_insert_vga_appcip_sess(vga_init_vga_appcip_sess(node, &e), node);
+}
+void Store::list_modes(vga_lu62* lu, std::vector<MODE_ENTRY> entries) {
+    QUERY_MODE block{};
+    block.list.header.opcode = NAP_QUERY_MODE;
+    block.list.buffer = entries.data();
+    block.list.buffer_size = static_cast<NB_ULONG>(entries.size() * sizeof(MODE_ENTRY));
+    block.list.num_entries = block.list.total_entries = static_cast<NB_USHORT>(entries.size());
+    vga_mode* last;
+    ASSERT_TRUE(vga_process_query_mode(lu, &block, &last));
 }
 
 } // namespace store_test

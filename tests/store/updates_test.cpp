@@ -2,18 +2,13 @@
 // a run of re-issues ends.
 #include "scripted_node.h"
 
-#include "shell/messages.h"
 #include "store/tracking.h"
-#include "ui/framework/dialog.h"
-#include "ui/framework/firewall.h"
 #include "verbs/config.h"
 
 #include <functional>
 
 namespace store_test {
 namespace {
-
-using Strings = std::vector<std::string>;
 
 NB_LONG outstanding;
 vga_dialog* run_dialog; // started the run
@@ -33,10 +28,7 @@ struct Updates : Store {
         vga_install_config_handlers();
         add_pu(pu("PU1", "", NAP_DLUR_ATTACHED));
         dialog.handle = nba_create_handle(&dialog);
-        window.open = 1;
-        nba_init_q(&window.modal_dlg.queue);
-        gvga_main_dialog = &window;
-        gvga_modal_firewall_count = 1; // messages wait
+        gvga_main_dialog = &messages.window;
         run_dialog = &dialog;
         run_node = node;
         outstanding = 0;
@@ -54,28 +46,16 @@ struct Updates : Store {
         }
     }
     ~Updates() override {
-        gvga_modal_firewall_count = 0;
         gvga_main_dialog = nullptr;
         nba_destroy_handle(dialog.handle);
     }
-    int errors_shown() {
-        int messages = 0;
-        while (auto* message = static_cast<NBA_QUEUE*>(nba_get_q_head(&window.modal_dlg.queue))) {
-            nba_remove_from_q(message);
-            vga_free(message);
-            ++messages;
-        }
-        return messages;
-    }
     vga_user* add_user(const std::string& name) {
-        auto e = entry<EMULATOR_USER_ENTRY>();
-        put(e.user_name, name);
+        auto e = entry(&EMULATOR_USER_ENTRY::user_name, name);
         return vga_insert_vga_user(vga_init_vga_user(gvga_system, &e), gvga_system);
     }
     static vga_user_sess* add_session(vga_user* user, const std::string& name,
                                       const std::function<void(USER_SESSION&)>& fill) {
-        auto e = entry<USER_SESSION>();
-        put(e.session_name, name);
+        auto e = entry(&USER_SESSION::session_name, name);
         fill(e);
         return vga_insert_vga_user_sess(vga_init_vga_user_sess(user, &e), user);
     }
@@ -113,7 +93,7 @@ struct Updates : Store {
     }
 
     vga_dialog dialog{};
-    vga_dialog window{};
+    Messages messages;
     ScriptedNode script;
     std::vector<std::string> blocks;
     std::size_t refuse = 0; // which answer is a refusal
@@ -142,7 +122,7 @@ TEST_F(Updates, ALuThat150SessionsUseIsRenamedInGroupsOf100) {
 
     script.run(1); // the first group is taken while the second is still on its way
     EXPECT_EQ(outstanding, 1);
-    EXPECT_EQ(errors_shown(), 0);
+    EXPECT_EQ(messages.shown(), 0);
     script.run();
     EXPECT_EQ(outstanding, 0);
     ASSERT_EQ(blocks.size(), 2u);
@@ -151,8 +131,7 @@ TEST_F(Updates, ALuThat150SessionsUseIsRenamedInGroupsOf100) {
     EXPECT_EQ(script.journal.front().target, CONFIG_HANDLE);
     EXPECT_EQ(get(session(1, 49).lu_name), "NEW");
     EXPECT_EQ(session(1, 49).partner.lu.lu_model, 4);
-    for (auto* each = ntl_avl_first<vga_user_sess>(ann->session_tree); each != nullptr;
-         each = static_cast<vga_user_sess*>(ntl_avl_next(&each->node))) {
+    for (const auto* each : all<vga_user_sess>(ann->session_tree)) {
         EXPECT_EQ(each->update_mark, 0);
         EXPECT_EQ(get(each->vcb.lu_name), get(each->vcb.session_name) == "OTHER" ? "ELSE" : "NEW");
     }
@@ -224,21 +203,18 @@ struct Everywhere : Updates {
             vga_insert_vga_tn_sess(vga_init_vga_tn_sess(tn_client, &e), tn_client);
         }
         for (const auto& [display, printer] : {std::pair{"OLD", "ELSE"}, {"ELSE", "OLD"}}) {
-            auto e = entry<TN3270_ASSOCIATION_ENTRY>();
-            put(e.display_lu_name, display);
+            auto e = entry(&TN3270_ASSOCIATION_ENTRY::display_lu_name, display);
             put(e.def.printer_lu_name, printer);
             vga_insert_vga_tn_assoc(vga_init_vga_tn_assoc(node, &e), node);
         }
-        const PU_ENTRY down = pu("DSPU");
-        down_pu = vga_insert_vga_down_pu(vga_init_vga_down_pu(node, &down), node);
+        down_pu = add_down_pu(pu("DSPU"));
         for (NB_BYTE nau = 1; nau < 3; ++nau) {
             DOWN_LU_ENTRY e = down_lu("TERM" + std::to_string(nau), nau);
             put(e.def.dspu_name, "DSPU");
             put(e.def.host_lu_name, nau == 1 ? "OLD" : "ELSE");
-            vga_insert_vga_down_lu(vga_init_vga_down_lu(down_pu, &e), down_pu);
+            add_down_lu(e, down_pu);
         }
-        auto rje = entry<RJE_WKSTN_ENTRY>();
-        put(rje.wkstn_name, "RJE1");
+        auto rje = entry(&RJE_WKSTN_ENTRY::wkstn_name, "RJE1");
         rje.def.num_lus = 2;
         put(rje.def.lu_names[0], "ELSE");
         put(rje.def.lu_names[1], "OLD");
@@ -279,37 +255,31 @@ struct Everywhere : Updates {
     }
     int marks() {
         int sum = static_cast<int>(down_pu->marked) + tn_client->update_count;
-        for (auto* sess = ntl_avl_first<vga_tn_sess>(tn_client->sess_tree); sess != nullptr;
-             sess = static_cast<vga_tn_sess*>(ntl_avl_next(&sess->node))) {
+        for (const auto* sess : all<vga_tn_sess>(tn_client->sess_tree)) {
             sum += sess->display_mark + sess->printer_mark;
         }
-        for (auto* assoc = ntl_avl_first<vga_tn_assoc>(node->tn_assoc_tree); assoc != nullptr;
-             assoc = static_cast<vga_tn_assoc*>(ntl_avl_next(&assoc->node))) {
+        for (const auto* assoc : all<vga_tn_assoc>(node->tn_assoc_tree)) {
             sum += assoc->display_mark + assoc->printer_mark;
         }
-        for (auto* down = ntl_avl_first<vga_down_lu>(down_pu->lu_tree); down != nullptr;
-             down = static_cast<vga_down_lu*>(ntl_avl_next(&down->node))) {
+        for (const auto* down : all<vga_down_lu>(down_pu->lu_tree)) {
             sum += down->update_mark;
         }
         auto* ann = ntl_avl_first<vga_user>(gvga_system->user_tree);
         return sum + static_cast<int>(ann->marked[0]) + wkstn->update_mask;
     }
     // Every LU name in the store that definitions refer to.
-    Strings names() {
-        Strings out;
+    Rows names() {
+        Rows out;
         auto* ann = ntl_avl_first<vga_user>(gvga_system->user_tree);
         out.push_back(get(ntl_avl_first<vga_user_sess>(ann->session_tree)->vcb.lu_name));
-        for (auto* sess = vga_get_next_tn_sess(nullptr, node); sess != nullptr;
-             sess = vga_get_next_tn_sess(sess, node)) {
+        for (const auto* sess : all<vga_tn_sess>(tn_client->sess_tree)) {
             out.push_back(get(sess->vcb.lu_name) + "/" + get(sess->vcb.printer_lu_name));
         }
-        for (auto* assoc = ntl_avl_first<vga_tn_assoc>(node->tn_assoc_tree); assoc != nullptr;
-             assoc = static_cast<vga_tn_assoc*>(ntl_avl_next(&assoc->node))) {
+        for (const auto* assoc : all<vga_tn_assoc>(node->tn_assoc_tree)) {
             out.push_back(get(assoc->vcb.display_lu_name) + "-" +
                           get(assoc->vcb.def.printer_lu_name));
         }
-        for (auto* down = ntl_avl_first<vga_down_lu>(down_pu->lu_tree); down != nullptr;
-             down = static_cast<vga_down_lu*>(ntl_avl_next(&down->node))) {
+        for (const auto* down : all<vga_down_lu>(down_pu->lu_tree)) {
             out.push_back(get(down->vcb.dslu_name) + ">" + get(down->vcb.def.host_lu_name));
         }
         out.push_back(get(wkstn->vcb.def.lu_names[1]));
@@ -329,9 +299,9 @@ TEST_F(Everywhere, EveryKindOfDefinitionTakesTheNewName) {
     EXPECT_EQ(marks(), 0);
     script.run();
     EXPECT_EQ(outstanding, 0);
-    EXPECT_EQ(errors_shown(), 0);
-    EXPECT_EQ(names(), (Strings{"NEW", "NEW/ELSE", "ELSE/NEW", "ELSE/ELSE", "ELSE-NEW", "NEW-ELSE",
-                                "TERM1>NEW", "TERM2>ELSE", "NEW"}));
+    EXPECT_EQ(messages.shown(), 0);
+    EXPECT_EQ(names(), (Rows{"NEW", "NEW/ELSE", "ELSE/NEW", "ELSE/ELSE", "ELSE-NEW", "NEW-ELSE",
+                             "TERM1>NEW", "TERM2>ELSE", "NEW"}));
     ASSERT_EQ(blocks[1].size(), sizeof(DEFINE_TN3270_ACCESS) + 2 * sizeof(TN3270_SESSION));
     for (const Sent& verb : script.journal) {
         EXPECT_EQ(verb.target, CONFIG_HANDLE);
@@ -361,14 +331,14 @@ TEST_P(Refused, IsToldOnceAtTheEndAndLeavesNoMarks) {
     EXPECT_NE(marks(), 0);
     refuse = static_cast<std::size_t>(GetParam());
     for (NB_LONG left = outstanding; left > 0; --left) {
-        EXPECT_EQ(errors_shown(), 0) << left << " left";
+        EXPECT_EQ(messages.shown(), 0) << left << " left";
         script.run(1);
     }
     EXPECT_EQ(outstanding, 0);
-    EXPECT_EQ(errors_shown(), 1);
+    EXPECT_EQ(messages.shown(), 1);
     EXPECT_EQ(marks(), 0);
     EXPECT_TRUE(vga_end_update(&dialog, true, 0));
-    EXPECT_EQ(errors_shown(), 0) << "the next run begins without a failure";
+    EXPECT_EQ(messages.shown(), 0) << "the next run begins without a failure";
 }
 INSTANTIATE_TEST_SUITE_P(EachVerb, Refused, testing::Range(1, 9));
 

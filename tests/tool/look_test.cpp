@@ -97,36 +97,13 @@ TEST_P(Look, MenusAndDialogsWithoutWarningsAndWithRoomForTheirFields) {
             ++dialogs;
         }
         EXPECT_GT(dialogs, 3);
+        EXPECT_EQ(std::ranges::count(gvga_symbols, Pixmap{None}), 0) << "of message boxes";
     }
     const std::string log = testing::internal::GetCapturedStderr();
     EXPECT_EQ(log.find("Warning"), std::string::npos) << log;
 }
 INSTANTIATE_TEST_SUITE_P(Locales, Look, testing::Values("C", "C.UTF-8"),
                          [](const auto& info) { return info.index == 0 ? "C" : "Utf8"; });
-
-TEST(LookOfBoxes, EachKindShowsItsSymbol) {
-    SERVICE service;
-    CONSOLE console(service);
-    ASSERT_TRUE(console.started() && console.wait_built());
-    vga_dialog* window = gvga_main_dialog;
-    const auto symbol = [&] {
-        Pixmap pixmap = None;
-        XtVaGetValues(window->modal_dlg.dialog, XmNsymbolPixmap, &pixmap, nullptr);
-        return pixmap;
-    };
-    vga_display_error_dialog(window, 208, "dlgfail", nullptr, 0, "");
-    EXPECT_EQ(symbol(), gvga_symbols[VGA_SYMBOL_ERROR]);
-    console.wait_idle();
-    ASSERT_TRUE(console.answer("OK"));
-    vga_display_confirm_dialog(window, 205, "confirmexit", nullptr, 0, true, true, "");
-    EXPECT_EQ(symbol(), gvga_symbols[VGA_SYMBOL_QUESTION]);
-    vga_close_confirm_dialog(window);
-    vga_display_info_dialog(window, 208, "dlgfail", nullptr, 0, "");
-    EXPECT_EQ(symbol(), gvga_symbols[VGA_SYMBOL_INFO]);
-    for (const Pixmap pixmap : gvga_symbols) {
-        EXPECT_NE(pixmap, Pixmap{None});
-    }
-}
 
 // Run under mwm and under a window manager of the other kind.
 class WindowManager : public testing::Test {

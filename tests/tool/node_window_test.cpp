@@ -1,44 +1,30 @@
-#include <gtest/gtest.h> // before X, whose macros would break it
+#include "tool/fixture.h"
 
-#include "kit/console.h"
-
-#include "shell/messages.h"
-#include "store/store.h"
-#include "ui/framework/dialog.h"
 #include "ui/viewer/viewer_type.h"
 #include "ui/windows/node_window.h"
 
 #include <Xm/SashP.h>
-#include <Xm/TextF.h>
-
-#include <string>
 
 namespace {
 
 using kit::CONSOLE;
-using kit::SERVICE;
 
-class NodeWindow : public testing::Test {
+class NodeWindow : public tool::Tool {
 protected:
+    vga_node_window* window = nullptr;
+
     void SetUp() override {
-        ASSERT_TRUE(console.started() && console.wait_built());
-        node = ntl_avl_first<vga_node>(gvga_system->node_tree);
+        Tool::SetUp();
         window = reinterpret_cast<vga_node_window*>(node->gui_data.node_window);
         ASSERT_NE(window, nullptr);
     }
-    void TearDown() override { EXPECT_EQ(nba_assert_count(), 0u) << nba_last_assert(); }
 
     static Pixel background(Widget widget) {
         Pixel pixel = 0;
         XtVaGetValues(widget, XmNbackground, &pixel, nullptr);
         return pixel;
     }
-    std::string bar() const {
-        char* text = XmTextFieldGetString(window->message_bar);
-        std::string result = text;
-        XtFree(text);
-        return result;
-    }
+    std::string bar() const { return text(window->message_bar); }
     // The sensitivity of start, stop, delete, properties, copy, status and add, tool and menu
     // alike.
     std::string tools() const {
@@ -73,11 +59,6 @@ protected:
         XSendEvent(gvga_display, event.xclient.window, False, NoEventMask, &event);
         ASSERT_TRUE(console.wait_idle());
     }
-
-    SERVICE service;
-    CONSOLE console{service};
-    vga_node* node = nullptr;
-    vga_node_window* window = nullptr;
 };
 
 TEST_F(NodeWindow, OnePaneHoldsTheSelection) {

@@ -5,7 +5,6 @@
 #include <csignal>
 #include <cstdlib>
 #include <filesystem>
-#include <fstream>
 #include <unistd.h>
 
 // The installed program as a user starts it: its options, and what it does when something it needs
@@ -89,31 +88,6 @@ TEST(MissingData, EndsStartUpWithStatus165AndALine) {
             EXPECT_NE(result.err, "") << row.file;
         }
     }
-}
-
-TEST(NodeService, ItsAbsenceIsReportedAndEndsTheRun) {
-    // Code 1 is recorded before the first window is drawn or after; either way the run ends by
-    // itself or with one answer.
-    auto environment =
-        with(kit::data_environment(), "TESSALY_NODE_SOCKET", kit::scratch() + "/nobody");
-    const std::string log = kit::scratch() + "/absent.log";
-    environment = with(environment, "TESSALY_LOG", log);
-    int out[2];
-    ASSERT_EQ(pipe(out), 0);
-    const pid_t child = kit::start({kit::program("tessaly")}, environment, out[1], out[1]);
-    // The fatal box waits for the operator: the problem is in the log by then.
-    bool logged = false;
-    for (int i = 0; i < 2000 && !logged; ++i) {
-        std::ifstream file(log);
-        std::string text((std::istreambuf_iterator<char>(file)), {});
-        logged = text.find("40020001") != std::string::npos;
-        usleep(5000);
-    }
-    EXPECT_TRUE(logged);
-    kill(child, SIGKILL);
-    kit::wait_for(child, std::chrono::seconds(5));
-    close(out[0]);
-    close(out[1]);
 }
 
 TEST(Display, ItsLossEndsTheRunWithoutACrash) {

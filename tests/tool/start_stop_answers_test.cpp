@@ -1,11 +1,9 @@
-#include "start_stop_fixture.h"
+#include "tool/fixture.h"
 
 #include "nof/lu62.h"
-
-#include <functional>
+#include "verbs/manage.h"
 
 // Every answer of a node to a start or stop, and what the console makes of it.
-namespace start_stop {
 namespace {
 
 constexpr NB_BYTE INACTIVE = NOF_STATE_INACTIVE, ACTIVE = NOF_STATE_ACTIVE,
@@ -20,7 +18,7 @@ struct Answer {
 };
 constexpr Answer GONE_SOFTWARE{0x03F0, 0x5542, 0, 0};
 
-class Answers : public StartStop {
+class Answers : public tool::Tool {
 protected:
     // Carries a verb out once per answer. state: where the result is seen; it is `before` when the
     // verb goes out.
@@ -37,9 +35,9 @@ protected:
             send();
             ASSERT_TRUE(console.wait_idle());
             EXPECT_EQ(*state, answer.state);
-            EXPECT_EQ(CONSOLE::message(), expected(answer, name, owner, adapter));
+            EXPECT_EQ(kit::CONSOLE::message(), expected(answer, name, owner, adapter));
             if (answer.message != 0) {
-                ASSERT_TRUE(StartStop::answer("OK"));
+                ASSERT_TRUE(console.answer("OK"));
             }
             ASSERT_TRUE(console.wait_idle());
         }
@@ -200,13 +198,12 @@ TEST_F(Answers, OfSessionsAndDownstreamLus) {
     ASSERT_GT(mode->act_sess_count, 0);
     char name[9];
     van_ebcdic_to_ascii(name, lu->vcb.lu_name, 8);
-    const std::string lu_name = name;
-    const std::string trimmed = lu_name.substr(0, lu_name.find_last_not_of(' ') + 1);
+    const std::string lu_name(name, std::string_view(name).find_last_not_of(' ') + 1);
     expect(
-        "NAP_DEACTIVATE_SESSION", trimmed, &none, 0,
+        "NAP_DEACTIVATE_SESSION", lu_name, &none, 0,
         [&] { vga_issue_deactivate_session(mode, vga_nodew_deact_session_cb); },
         {{0x1B00, 1, 0, 0}, {0x1A00, 1, 0, 0}, {0x0300, 1, 0, 908, Answer::CODES}, GONE_SOFTWARE});
-    expect("NAP_ACTIVATE_SESSION", trimmed, &none, 0,
+    expect("NAP_ACTIVATE_SESSION", lu_name, &none, 0,
            [&] {
                auto* vcb = vga_new_vcb<ACTIVATE_SESSION>(NAP_ACTIVATE_SESSION);
                vga_queue_verb(node->node_handle, vcb, lu->handle, vga_nodew_activate_session_cb);
@@ -231,4 +228,3 @@ TEST_F(Answers, OfSessionsAndDownstreamLus) {
 }
 
 } // namespace
-} // namespace start_stop

@@ -8,6 +8,7 @@
 
 #include "common/alloc.h"
 #include "shell/globals.h"
+#include "store/build.h"
 
 #include <cstdlib>
 #include <unistd.h>
@@ -24,16 +25,27 @@ std::ostream& operator<<(std::ostream& out, const Case& one) {
     return out << "seed " << one.seed << " " << (one.domain.empty() ? "demo" : one.domain.back());
 }
 
+// A longer course, another one, or one that finds the change that was not followed: by variables of
+// the environment.
+int setting(const char* variable, int usual) {
+    const char* value = std::getenv(variable);
+    return value != nullptr ? std::atoi(value) : usual;
+}
+
 #ifdef __SANITIZE_ADDRESS__
-constexpr int steps = 200;
+constexpr int usual_steps = 200;
+constexpr int usual_builds = 10;
 #else
-constexpr int steps = 600;
+constexpr int usual_steps = 600;
+constexpr int usual_builds = 40;
 #endif
-constexpr int between_looks = 25;
+const int steps = setting("TESSALY_FOLLOW_STEPS", usual_steps);
+const auto builds = static_cast<unsigned>(setting("TESSALY_FOLLOW_BUILDS", usual_builds));
+const int steps_between_looks = setting("TESSALY_FOLLOW_EVERY", 25);
+const auto other_seed = static_cast<unsigned>(setting("TESSALY_FOLLOW_SEED", 0));
 
 class Follow : public testing::TestWithParam<Case> {
 protected:
-    int steps_between_looks = between_looks;
     std::vector<std::string> since; // the changes since the store was right
     std::set<NB_HANDLE> handles;
 
@@ -62,14 +74,11 @@ protected:
 };
 
 TEST_P(Follow, AStoreThatFollowsEqualsAFreshOne) {
-    if (const char* every = std::getenv("TESSALY_FOLLOW_EVERY")) {
-        steps_between_looks = std::atoi(every);
-    }
     const kit::SERVICE service(GetParam().domain);
     const std::size_t asserts = nba_assert_count();
     {
         kit::LIVE_STORE store(service.socket());
-        kit::RANDOM_OPERATOR other(service.socket(), GetParam().seed);
+        kit::RANDOM_OPERATOR other(service.socket(), GetParam().seed + other_seed);
         for (int i = 0; i < 150; ++i) {
             other.define();
         }
@@ -101,6 +110,36 @@ TEST_P(Follow, AStoreThatFollowsEqualsAFreshOne) {
     EXPECT_EQ(nba_assert_count(), asserts) << nba_last_assert();
 }
 
+// What changes while a node is being listed is not lost, whether its list has come or not.
+TEST(Build, AStoreThatIsBuiltAmongChangesEqualsAFreshOne) {
+    for (unsigned seed = 1; seed <= builds && !HasFailure(); ++seed) {
+        const kit::SERVICE service;
+        kit::LIVE_STORE store(service.socket());
+        kit::RANDOM_OPERATOR other(service.socket(), seed + other_seed);
+        for (int i = 0; i < 100; ++i) {
+            other.define();
+        }
+        vga_start_build_system();
+        std::string since;
+        for (int i = 0; i < 60; ++i) {
+            const std::string command = other.step();
+            since += command + '\n';
+            if (command == "stop node") { // of a node that does not run less is listed
+                other.control().run("start node");
+            }
+            for (int polls = other.pick(8); polls > 0; --polls) {
+                store.poll();
+            }
+        }
+        other.control().run("start node");
+        ASSERT_TRUE(store.settle() && store.settle()) << gvga_exit_file << ':' << gvga_exit_line;
+        const kit::STORE_DUMP followed = kit::dump_store();
+        const kit::STORE_DUMP fresh = kit::LIVE_STORE::fresh(service.socket());
+        EXPECT_EQ(kit::difference(fresh.text, followed.text), "") << seed << '\n' << since;
+        EXPECT_TRUE(followed.faults.empty()) << followed.faults.front() << seed << '\n' << since;
+    }
+}
+
 // Two consoles, each in a process of its own, with an operator who does things at random at either,
 // both at once.
 TEST(TwoOperators, BothStoresEqualTheNode) {
@@ -111,7 +150,7 @@ TEST(TwoOperators, BothStoresEqualTheNode) {
     ASSERT_EQ(pipe(go), 0);
     const auto operate = [&](unsigned seed, auto&& meet) {
         kit::LIVE_STORE store(service.socket());
-        kit::RANDOM_OPERATOR hand(service.socket(), seed);
+        kit::RANDOM_OPERATOR hand(service.socket(), seed + other_seed);
         bool sound = store.build();
         meet();
         for (int i = 0; i < 4 * steps && sound; ++i) {

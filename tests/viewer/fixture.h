@@ -74,17 +74,14 @@ protected:
     void pump();                        // handles what the server sent so far
     bool pump_until(const std::function<bool()>& condition);
 
-    // ---- through the X server ----
+    // ---- real events; whoever expects something of them pumps ----
     void move_pointer(int x, int y);
     void press(unsigned button, bool down);
-    void click(int x, int y);
-    void type_key(KeySym key, KeySym modifier = NoSymbol);
-
-    // ---- through the handlers, as the toolkit calls them ----
-    void arm(int x, int y, unsigned state = 0);
-    void release(int x, int y, int click_count = 1);
-    void drag(int y);
-    void key(KeySym key, unsigned state = 0);
+    // Modifiers are bits of an event's state: ShiftMask, ControlMask.
+    void hold(unsigned modifiers, bool down);
+    void press_at(int x, int y, unsigned modifiers = 0); // and what that causes
+    void click(int x, int y, unsigned modifiers = 0);
+    void key(KeySym key, unsigned modifiers = 0); // and what that causes
 
     Pixels look();        // the window as it is
     Pixels look_afresh(); // the window cleared and drawn anew

@@ -5,10 +5,12 @@
 #include "shell/resources.h"
 
 #include <Mrm/MrmPublic.h>
+#include <X11/XKBlib.h>
 #include <X11/Xutil.h>
 #include <X11/extensions/XTest.h>
 #include <Xm/ScrollBar.h>
 #include <Xm/ScrolledW.h>
+#include <array>
 #include <chrono>
 #include <cstdlib>
 #include <cstring>
@@ -64,43 +66,21 @@ bool alone(const void*) {
 }
 
 constexpr auto none = nullptr;
-constexpr VGA_VIEWER_DESC untested = {};
-
 #define COMMON create_text, choose_icon, 1, arm_cb, disarm_cb, act_cb
-constexpr VGA_VIEWER_DESC test_types[VGA_VIEWER_TYPE_COUNT] = {
-    {COMMON, none, none, select_cb, 1, 0, 1, none},
-    {COMMON, none, none, select_cb, 1, 1, 0, none},
-    {create_text, choose_icon, 0, arm_cb, disarm_cb, act_cb, none, none, select_cb, 0, 2, 0, none},
-    {create_text, none, 1, none, none, none, none, underline_cb, none, 0, 0, 1, none},
-    {COMMON, none, none, select_cb, 0, 0, 1, alone},
-    untested,
-    untested,
-    untested,
-    untested,
-    untested,
-    untested,
-    {COMMON, none, none, select_cb, 0, 0, 1, none}, // VGA_VIEWER_NODE
-    untested,
-    untested,
-    untested,
-    untested,
-    untested,
-    untested,
-    untested,
-    untested,
-    untested,
-    untested,
-    untested,
-    untested,
-    untested,
-    untested,
-    untested,
-    untested,
-    untested,
-    untested,
-    untested,
-    {COMMON, no_drag_cb, none, select_cb, 0, 0, 1, none}, // VGA_VIEWER_LS_R_TITLE
-};
+using Types = std::array<VGA_VIEWER_DESC, VGA_VIEWER_TYPE_COUNT>;
+constexpr Types test_types = [] {
+    Types types = {};
+    types[TEST_TOP] = {COMMON, none, none, select_cb, 1, 0, 1, none};
+    types[TEST_MIDDLE] = {COMMON, none, none, select_cb, 1, 1, 0, none};
+    types[TEST_LEAF] = {create_text, choose_icon, 0, arm_cb, disarm_cb, act_cb, none,
+                        none,        select_cb,   0, 2,      0,         none};
+    types[TEST_TITLE] = {create_text,  none, 1, none, none, none, none,
+                         underline_cb, none, 0, 0,    1,    none};
+    types[TEST_ALONE] = {COMMON, none, none, select_cb, 0, 0, 1, alone};
+    types[TEST_NODE] = {COMMON, none, none, select_cb, 0, 0, 1, none};
+    types[TEST_NO_DRAG] = {COMMON, no_drag_cb, none, select_cb, 0, 0, 1, none};
+    return types;
+}();
 
 } // namespace
 Viewer_test* Viewer_test::current;
@@ -175,10 +155,11 @@ void start_graphics() {
 
 void Viewer_test::SetUp() {
     start_graphics();
-    gvga_viewer_types = test_types;
+    gvga_viewer_types = test_types.data();
     current = this;
-    shell = XtVaAppCreateShell("viewer", "Tessaly", topLevelShellWidgetClass, gvga_display, XmNx, 0,
-                               XmNy, 0, XmNallowShellResize, True, XmNinput, True, nullptr);
+    shell =
+        XtVaAppCreateShell("viewer", "Tessaly", topLevelShellWidgetClass, gvga_display, XmNgeometry,
+                           "+0+0", XmNallowShellResize, True, XmNinput, True, nullptr);
     scrolled = XtVaCreateManagedWidget(
         "list", xmScrolledWindowWidgetClass, shell, XmNscrollingPolicy, XmAPPLICATION_DEFINED,
         XmNshadowThickness, 0, XmNspacing, 0, XmNwidth, 300, XmNheight, 200, nullptr);
@@ -197,6 +178,15 @@ void Viewer_test::SetUp() {
     root.owner = &owner;
     vga_viewer_display_root(&root, button, h_bar, v_bar);
     ASSERT_TRUE(pump_until([&] { return root.exposed != 0; }));
+    // The first click passes through the window manager, which gives the window the focus.
+    bool clicked = false;
+    const XtCallbackProc note = [](Widget, XtPointer flag, XtPointer) {
+        *static_cast<bool*>(flag) = true;
+    };
+    XtAddCallback(button, XmNdisarmCallback, note, &clicked);
+    click(1, 1);
+    ASSERT_TRUE(pump_until([&] { return clicked; }));
+    XtRemoveCallback(button, XmNdisarmCallback, note, &clicked);
     pump();
 }
 
@@ -267,9 +257,11 @@ bool Viewer_test::pump_until(const std::function<bool()>& condition) {
 }
 
 void Viewer_test::move_pointer(int x, int y) {
-    Position root_x = 0;
-    Position root_y = 0;
-    XtTranslateCoords(button, static_cast<Position>(x), static_cast<Position>(y), &root_x, &root_y);
+    int root_x = 0;
+    int root_y = 0;
+    Window child = None;
+    XTranslateCoordinates(gvga_display, XtWindow(button), gvga_root_window, x, y, &root_x, &root_y,
+                          &child);
     XTestFakeMotionEvent(gvga_display, -1, root_x, root_y, CurrentTime);
 }
 
@@ -277,83 +269,46 @@ void Viewer_test::press(unsigned number, bool down) {
     XTestFakeButtonEvent(gvga_display, number, down, CurrentTime);
 }
 
-void Viewer_test::click(int x, int y) {
-    move_pointer(x, y);
-    press(1, true);
-    press(1, false);
+static void fake_key(KeySym key, bool down) {
+    XTestFakeKeyEvent(gvga_display, XKeysymToKeycode(gvga_display, key), down, CurrentTime);
 }
 
-void Viewer_test::type_key(KeySym key, KeySym modifier) {
+void Viewer_test::hold(unsigned modifiers, bool down) {
+    if ((modifiers & ShiftMask) != 0) {
+        fake_key(XK_Shift_L, down);
+    }
+    if ((modifiers & ControlMask) != 0) {
+        fake_key(XK_Control_L, down);
+    }
+}
+
+void Viewer_test::press_at(int x, int y, unsigned modifiers) {
+    hold(modifiers, true);
+    move_pointer(x, y);
+    press(1, true);
+    hold(modifiers, false);
+    pump();
+}
+
+void Viewer_test::click(int x, int y, unsigned modifiers) {
+    press_at(x, y, modifiers);
+    press(1, false);
+    pump();
+}
+
+void Viewer_test::key(KeySym key, unsigned modifiers) {
     XSetInputFocus(gvga_display, XtWindow(shell), RevertToParent, CurrentTime);
     XmProcessTraversal(button, XmTRAVERSE_CURRENT);
     pump();
-    const auto fake = [](KeySym sym, bool down) {
-        if (sym != NoSymbol) {
-            XTestFakeKeyEvent(gvga_display, XKeysymToKeycode(gvga_display, sym), down, CurrentTime);
-        }
-    };
-    fake(modifier, true);
-    fake(key, true);
-    fake(key, false);
-    fake(modifier, false);
-}
-
-namespace {
-
-XmDrawnButtonCallbackStruct button_data(XEvent* event, int click_count) {
-    XmDrawnButtonCallbackStruct data = {};
-    data.event = event;
-    data.click_count = click_count;
-    return data;
-}
-
-XEvent button_event(int type, int x, int y, unsigned state) {
-    XEvent event = {};
-    event.xbutton.type = type;
-    event.xbutton.x = x;
-    event.xbutton.y = y;
-    event.xbutton.state = state;
-    event.xbutton.button = Button1;
-    return event;
-}
-
-} // namespace
-
-void Viewer_test::arm(int x, int y, unsigned state) {
-    XEvent event = button_event(ButtonPress, x, y, state);
-    auto data = button_data(&event, 1);
-    vga_viewer_arm(button, &root, &data);
-}
-
-void Viewer_test::release(int x, int y, int click_count) {
-    XEvent event = button_event(ButtonRelease, x, y, 0);
-    auto data = button_data(&event, click_count);
-    vga_viewer_activate(button, &root, &data);
-    vga_viewer_disarm(button, &root, &data);
-}
-
-void Viewer_test::drag(int y) {
-    XEvent event = {};
-    event.xmotion.type = MotionNotify;
-    event.xmotion.y = y;
-    Boolean go_on = True;
-    vga_viewer_motion(button, &root, &event, &go_on);
-}
-
-void Viewer_test::key(KeySym key, unsigned state) {
-    XEvent event = {};
-    event.xkey.type = KeyPress;
-    event.xkey.display = gvga_display;
-    event.xkey.keycode = XKeysymToKeycode(gvga_display, key);
-    event.xkey.state = state;
-    // A symbol on the key's upper row needs Shift, which then is no modifier of the list's.
-    KeySym plain = NoSymbol;
-    XLookupString(&event.xkey, nullptr, 0, &plain, nullptr);
-    if (plain != key) {
-        event.xkey.state |= ShiftMask;
+    const KeyCode code = XKeysymToKeycode(gvga_display, key);
+    if (XkbKeycodeToKeysym(gvga_display, code, 0, 0) != key) { // on the upper row of its key
+        modifiers |= ShiftMask;
     }
-    Boolean go_on = True;
-    vga_viewer_key_input(button, &root, &event, &go_on);
+    hold(modifiers, true);
+    fake_key(key, true);
+    fake_key(key, false);
+    hold(modifiers, false);
+    pump();
 }
 
 Pixels Viewer_test::look() {

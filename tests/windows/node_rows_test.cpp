@@ -51,36 +51,23 @@ std::vector<int> columns(const std::string& text, int level) {
 class NodeRows : public StoreTest {};
 
 TEST_F(NodeRows, PortsTellTheirState) {
-    const struct {
-        NB_BYTE state;
-        int text;
-    } cases[] = {{NOF_STATE_INACTIVE, 811},
-                 {NOF_STATE_ACTIVE, 810},
-                 {NOF_STATE_START_PENDING, 812},
-                 {NOF_STATE_STOP_PENDING, 813}};
     vga_port* port = add_port("ETH0");
-    for (const auto& each : cases) {
-        port->vcb->state = each.state;
-        EXPECT_EQ(row(vga_create_port_viewer_text, port),
-                  message(each.text, "s s", "ETH0    ", "a port"));
-    }
-    EXPECT_EQ(broken(), 0u);
+    const auto text = [&](NB_BYTE state) {
+        port->vcb->state = state;
+        return row(vga_create_port_viewer_text, port);
+    };
+    EXPECT_EQ(text(NOF_STATE_START_PENDING), message(812, "s s", "ETH0    ", "a port"));
     for (const NB_BYTE other : {NB_BYTE{NOF_STATE_FAILED}, NB_BYTE{77}}) {
-        port->vcb->state = other;
-        EXPECT_EQ(row(vga_create_port_viewer_text, port),
-                  message(858, "s s", "ETH0    ", "a port"));
+        EXPECT_EQ(text(other), message(858, "s s", "ETH0    ", "a port"));
     }
     EXPECT_EQ(broken(), 0u);
+    // A description without an end is cut.
+    std::memset(port->vcb->def.description, 'x', sizeof port->vcb->def.description);
+    EXPECT_EQ(text(NOF_STATE_ACTIVE),
+              message(810, "s s", "ETH0    ", std::string(31, 'x').c_str()));
     EXPECT_EQ(row(vga_create_port_viewer_text, vga_get_dlur_fake_port(node)), gvga_messages[232]);
     EXPECT_EQ(row(vga_create_port_viewer_text, vga_get_primary_line_fake_port(node)),
               gvga_messages[233]);
-}
-
-TEST_F(NodeRows, DescriptionWithoutEndIsCut) {
-    vga_port* port = add_port("ETH0");
-    std::memset(port->vcb->def.description, 'x', sizeof port->vcb->def.description);
-    EXPECT_EQ(row(vga_create_port_viewer_text, port),
-              message(810, "s s", "ETH0    ", std::string(31, 'x').c_str()));
 }
 
 TEST_F(NodeRows, LinkStationsTellWhatTheyWaitFor) {
@@ -142,15 +129,10 @@ TEST_F(NodeRows, LinkStationsTellWhatTheyWaitFor) {
               message(815, "s s", "SHORT   ", "a link station"));
 }
 
-TEST_F(NodeRows, DlurPus) {
-    const int texts[] = {836, 835, 838, 838, 839, 839, 837, 836, 836};
+TEST_F(NodeRows, ADlurPuThatStarts) {
     vga_pu* pu = add_pu("PUDLUR");
-    for (NB_BYTE status = 0; status < std::size(texts); ++status) {
-        pu->vcb.dlur_status = status;
-        EXPECT_EQ(row(vga_create_local_pu_viewer_text, pu),
-                  message(texts[status], "s s", "PUDLUR  ", "a PU"));
-    }
     pu->vcb.dlur_status = NOF_DLUR_ACTIVE;
+    EXPECT_EQ(row(vga_create_local_pu_viewer_text, pu), message(835, "s s", "PUDLUR  ", "a PU"));
     pu->start_pending = 1;
     EXPECT_EQ(row(vga_create_local_pu_viewer_text, pu), message(838, "s s", "PUDLUR  ", "a PU"));
 }
@@ -358,22 +340,21 @@ TEST_F(NodeRows, ColumnsAlignAcrossLevels) {
     EXPECT_EQ(gvga_viewer_desc[lu->viewer.type].level, 2);
 }
 
-TEST_F(NodeRows, LinkIcons) {
-    const struct {
-        NB_BYTE dlc_type;
-        int icon;
-    } ports[] = {{0, VGA_ICON_PORTSDLC},      {1, VGA_ICON_PORTX25},   {2, VGA_ICON_PORTTR},
-                 {6, VGA_ICON_PORTFDDI},      {7, VGA_ICON_PORTETHER}, {8, VGA_ICON_PORTFR},
-                 {11, VGA_ICON_PORTESCON},    {15, VGA_ICON_PORTIP},   {129, VGA_ICON_PORTMPC},
-                 {130, VGA_ICON_PORTMPCPLUS}, {99, VGA_ICON_PORT}};
-    vga_port* port = add_port("P");
-    for (const auto& each : ports) {
-        port->parent->vcb->def.dlc_type = each.dlc_type;
-        EXPECT_EQ(vga_choose_port_viewer_icon(port), each.icon);
+TEST_F(DependentLu, Icons) {
+    LU03_DETAIL& detail = lu->vcb.det_data;
+    detail.app_type = NAP_TN_APPLICATION;
+    detail.application.client.cipher_suite = 3;
+    for (const auto& [model, in_use, icon] : {std::tuple{2, 0, VGA_ICON_LUDISP},
+                                              {2, 1, VGA_ICON_LUDISPSEC},
+                                              {128, 1, VGA_ICON_LUPRINT},
+                                              {6, 0, VGA_ICON_LU03}}) {
+        lu->vcb.def_data.lu_model = static_cast<NB_BYTE>(model);
+        detail.appl_conn_active = static_cast<NB_BYTE>(in_use);
+        EXPECT_EQ(vga_choose_deplu_viewer_icon(lu), icon) << model << ' ' << in_use;
     }
-    EXPECT_EQ(vga_choose_port_viewer_icon(vga_get_dlur_fake_port(node)), VGA_ICON_DLURPORT);
-    EXPECT_EQ(vga_choose_port_viewer_icon(vga_get_primary_line_fake_port(node)), VGA_ICON_PORTSDLC);
+}
 
+TEST_F(NodeRows, LinkIcons) {
     const struct {
         NB_BYTE adj_cp_type, local_pu, services, implicit;
         int icon;
@@ -381,7 +362,7 @@ TEST_F(NodeRows, LinkIcons) {
         {NAP_END_NODE, 0, 0, 0, VGA_ICON_LSPEER},  {NAP_HOST_XID3, 0, 0, 0, VGA_ICON_LSHOST},
         {NAP_HOST_XID0, 0, 0, 0, VGA_ICON_LSHOST}, {NAP_END_NODE, 1, 0, 0, VGA_ICON_LSHOST},
         {NAP_DSPU_XID, 0, 1, 0, VGA_ICON_LSDOWN},  {NAP_HOST_XID3, 0, 0, 1, VGA_ICON_LSIMPL}};
-    vga_ls* ls = add_ls(port, "L", AS_IS);
+    vga_ls* ls = add_ls(add_port("P"), "L", AS_IS);
     for (const auto& each : stations) {
         ls->vcb->def.adj_cp_type = each.adj_cp_type;
         ls->vcb->def.solicit_sscp_sessions = each.local_pu;
@@ -389,47 +370,6 @@ TEST_F(NodeRows, LinkIcons) {
         ls->vcb->det.implicit = each.implicit;
         EXPECT_EQ(vga_choose_ls_viewer_icon(ls), each.icon) << "case " << &each - stations;
     }
-}
-
-TEST_F(DependentLu, Icons) {
-    const struct {
-        NB_BYTE model, in_use, application, suite;
-        int icon;
-    } cases[] = {{0, 0, 0, 0, VGA_ICON_LU03},
-                 {2, 0, 0, 0, VGA_ICON_LUDISP},
-                 {5, 0, 0, 0, VGA_ICON_LUDISP},
-                 {6, 0, 0, 0, VGA_ICON_LU03},
-                 {2, 1, NAP_TN_APPLICATION, 2, VGA_ICON_LUDISP},
-                 {2, 1, NAP_TN_APPLICATION, 3, VGA_ICON_LUDISPSEC},
-                 {2, 0, NAP_TN_APPLICATION, 3, VGA_ICON_LUDISP},
-                 {2, 1, NAP_FMI_APPLICATION, 3, VGA_ICON_LUDISP},
-                 {128, 1, NAP_TN_APPLICATION, 3, VGA_ICON_LUPRINT},
-                 {129, 0, 0, 0, VGA_ICON_LUPRINT},
-                 {0x20, 0, 0, 0, VGA_ICON_LURJE}};
-    for (const auto& each : cases) {
-        LU03_DETAIL& detail = lu->vcb.det_data;
-        lu->vcb.def_data.lu_model = each.model;
-        detail.appl_conn_active = each.in_use;
-        detail.app_type = each.application;
-        detail.application.client.cipher_suite = each.suite;
-        EXPECT_EQ(vga_choose_deplu_viewer_icon(lu), each.icon) << "case " << &each - cases;
-    }
-    EXPECT_EQ(vga_choose_deplu_viewer_icon(add_lu62("LUD", "LUD", "PU1", 7)), VGA_ICON_LU62);
-}
-
-TEST_F(NodeRows, RemoteIcons) {
-    vga_rem_sys* defined = add_rem_sys("NET.EAST", true);
-    vga_rem_sys* learned = add_rem_sys("NET.WEST", false);
-    vga_rem_sys* fake = vga_fake_vga_rem_sys(node);
-    EXPECT_EQ(vga_choose_rem_sys_viewer_icon(defined), VGA_ICON_REMSYS);
-    EXPECT_EQ(vga_choose_rem_sys_viewer_icon(learned), VGA_ICON_REMSYSD);
-    EXPECT_EQ(vga_choose_rem_sys_viewer_icon(fake), VGA_ICON_REMSYSF);
-    const auto icon = [&](vga_rem_sys* rem_sys, const char* name, bool located) {
-        return vga_choose_rem_plu_viewer_icon(add_rem_plu(rem_sys, name, NAP_LU_RESOURCE, located));
-    };
-    EXPECT_EQ(icon(defined, "NET.A", true), VGA_ICON_REMPLU);
-    EXPECT_EQ(icon(learned, "NET.B", false), VGA_ICON_REMPLUD);
-    EXPECT_EQ(icon(fake, "NET.C", true), VGA_ICON_REMPLUA);
 }
 
 } // namespace

@@ -74,17 +74,14 @@ TEST_F(SystemWindow, RowsAlignNameStateRoleAndDescription) {
          VGA_ICON_NODE},
         {VGA_NODE_STATE_STARTING, VGA_ROLE_SERVER, "Starting", "Server", "Head office",
          VGA_ICON_NODE},
-        {VGA_NODE_STATE_STOPPING, VGA_ROLE_NONE, "Stopping", "Not a server", "Head office",
-         VGA_ICON_NODE},
-        {VGA_NODE_STATE_STOPPED, VGA_ROLE_NONE, "Stopped", "Not a server", "Head office",
-         VGA_ICON_NODE},
         {VGA_NODE_STATE_UNCONFIGURED, VGA_ROLE_NONE, "Not configured", "Not a server",
          gvga_messages[888], VGA_ICON_NODE},
         {VGA_NODE_STATE_BACK_LEVEL, VGA_ROLE_NONE, "Older level", "Not a server", "Head office",
          VGA_ICON_BACKNODE},
     };
     // A name that fills its column leaves nothing of itself behind the state.
-    for (const char* name : {"alpha", "a-very-long-node-name.department.division.subsidiary.example.org"}) {
+    for (const char* name :
+         {"alpha", "a-very-long-node-name.department.division.subsidiary.example.org"}) {
         std::memset(node->node_name, 0, sizeof node->node_name);
         std::strcpy(node->node_name, name);
         for (const auto& each : cases) {
@@ -105,18 +102,6 @@ TEST_F(SystemWindow, RowsAlignNameStateRoleAndDescription) {
     node->node_state = 9;
     EXPECT_EQ(row(), "");
     EXPECT_EQ(broken(), 1u);
-}
-
-TEST_F(SystemWindow, ButtonsNameTheSelectedNode) {
-    char with[2 * VGA_MESSAGE_BUFFER_SIZE];
-    char without[2 * VGA_MESSAGE_BUFFER_SIZE];
-    for (int i = 0; i < VGA_SYSW_BUTTON_COUNT; ++i) {
-        vga_sysw_button_help(static_cast<VGA_SYSW_BUTTON>(i), node, with);
-        vga_sysw_button_help(static_cast<VGA_SYSW_BUTTON>(i), nullptr, without);
-        EXPECT_NE(std::string(with).find("node alpha"), std::string::npos) << with;
-        EXPECT_EQ(std::string(without).find("alpha"), std::string::npos);
-        EXPECT_STRNE(without, "");
-    }
 }
 
 } // namespace

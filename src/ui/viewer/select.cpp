@@ -55,6 +55,22 @@ int vga_viewer_set_select(vga_viewer_root* root, vga_viewer* viewer, bool state)
     return state ? 1 : -1;
 }
 
+bool vga_viewer_selected_alone(const vga_viewer_root* root, const vga_viewer* viewer) {
+    return viewer->selected != 0 && root->select_count == 1;
+}
+
+void vga_viewer_select_again(vga_viewer_root* root, vga_viewer* viewer) {
+    for (const vga_viewer* above = viewer->parent; above != nullptr; above = above->parent) {
+        if (above->expanded == 0) {
+            return;
+        }
+    }
+    if (AVL_IN_TREE(viewer->node)) {
+        vga_viewer_select(viewer, root, false, false, false, false);
+        vga_viewer_tell_owner(root, viewer);
+    }
+}
+
 void vga_viewer_clear_selection(vga_viewer_root* root) {
     if (root->select_count > 0 && VGA_ASSERT(root->select_anchor != NULL)) {
         // From the anchor down, then round to the top: a selection is mostly near its anchor.

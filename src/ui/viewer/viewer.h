@@ -78,6 +78,11 @@ void vga_viewer_set_view(vga_viewer* viewer, vga_viewer_root* root);
 
 void vga_viewer_select(vga_viewer* viewer, vga_viewer_root* root, bool toggle, bool extend,
                        bool keyboard, bool space);
+// A row that is taken out and made anew in its list, or in the place of which another row comes,
+// keeps the selection: asked before, whether it is the one that is selected; told behind, when it
+// was. A row that does not show then is not selected.
+bool vga_viewer_selected_alone(const vga_viewer_root* root, const vga_viewer* viewer);
+void vga_viewer_select_again(vga_viewer_root* root, vga_viewer* viewer);
 void vga_viewer_clear_selection(vga_viewer_root* root);
 int vga_viewer_set_select(vga_viewer_root* root, vga_viewer* viewer, bool state);
 // The record of the current selected row, or null; *type gets select_type when given.
