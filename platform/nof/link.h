@@ -33,7 +33,8 @@ void link_free(Link* link);
 
 // Queues a request frame with its block. False when there is no memory.
 bool link_queue(Link* link, const WIRE_FRAME& header, const void* block);
-// Sends queued bytes as far as the socket takes them. A connection that broke shows when it is read.
+// Sends queued bytes as far as the socket takes them. A connection that broke shows when it is
+// read.
 void link_flush(Link* link);
 // Takes what the socket has, up to some 64 KiB.
 ReadState link_read(Link* link);

@@ -47,7 +47,7 @@ void merge_large_size_resources() {
         !vga_get_resource_string(".largeFontSize", "", size, sizeof size) || size[0] == '\0') {
         return;
     }
-    for (const char* name : {"*labels.fontSize", "*fields.fontSize"}) {
+    for (const char* name : {"*labels.fontSize", "*strong.fontSize", "*fields.fontSize"}) {
         XrmPutStringResource(&gvga_resource_database, name, size);
     }
 }

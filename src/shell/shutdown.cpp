@@ -3,6 +3,7 @@
 #include "shell/messages.h"
 #include "store/store.h"
 #include "ui/framework/dialog.h"
+#include "ui/windows/about.h"
 #include "ui/windows/node_window.h"
 #include "ui/windows/system_window.h"
 
@@ -68,6 +69,14 @@ void show_fatal(NB_LONG code) {
     }
 }
 
+bool has_unconfigured_node() {
+    auto* node = ntl_avl_first<vga_node>(gvga_system->node_tree);
+    while (node != nullptr && node->node_state != VGA_NODE_STATE_UNCONFIGURED) {
+        node = static_cast<vga_node*>(ntl_avl_next(&node->node));
+    }
+    return node != nullptr;
+}
+
 } // namespace
 
 bool vga_start_shutdown() {
@@ -110,6 +119,9 @@ void vga_system_built() {
         gvga_system->gui_data.system_window = gvga_first_dialog;
         if (!vga_display_system_window(true)) {
             nba_pd_print_problem(0x40020007, 4, "s", gvga_uid_desc[VGA_UID_SYSTEM_WINDOW].uid_name);
+        }
+        if (!gvga_read_only && has_unconfigured_node()) {
+            vga_display_start_help_dialog(nullptr, VGA_INTRO_TYPE_CLIENT_SERVER);
         }
     } else if (node != nullptr) {
         gvga_first_dialog->parent_item = node;

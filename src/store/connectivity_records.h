@@ -53,7 +53,7 @@ struct vga_ls {
     vga_viewer viewer; // under the port's row
     vga_pu* pu_entry;  // the local or downstream PU that uses it
     NB_USHORT restart_check;
-    NB_USHORT start_pending; // a start for it is outstanding
+    NB_USHORT start_pending;   // a start for it is outstanding
     NB_BYTE start_enable;      // the outstanding start is to enable it only
     NB_BYTE state_before_stop; // while a stop for it is outstanding
 };

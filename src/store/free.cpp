@@ -55,8 +55,9 @@ void vga_free_node_resources(vga_node* node, bool gone, VGA_CALLBACK callback) {
 
 void vga_do_free_node_res(vga_node* node, bool gone, VGA_CALLBACK callback) {
     const bool send = !gone && !exit_pending();
-    close_windows({node->gui_data.dialog, node->gui_data.node_window, node->gui_data.tracing_dialog},
-                  WINDOWS::GO);
+    close_windows(
+        {node->gui_data.dialog, node->gui_data.node_window, node->gui_data.tracing_dialog},
+        WINDOWS::GO);
     vga_leave_tree(&gvga_system->node_tree, &node->node);
     if (node->tp_load_handle != 0) {
         if (send) {

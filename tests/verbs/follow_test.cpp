@@ -34,10 +34,10 @@ int setting(const char* variable, int usual) {
 
 #ifdef __SANITIZE_ADDRESS__
 constexpr int usual_steps = 200;
-constexpr int usual_builds = 10;
+constexpr int usual_builds = 5;
 #else
 constexpr int usual_steps = 600;
-constexpr int usual_builds = 40;
+constexpr int usual_builds = 15;
 #endif
 const int steps = setting("TESSALY_FOLLOW_STEPS", usual_steps);
 const auto builds = static_cast<unsigned>(setting("TESSALY_FOLLOW_BUILDS", usual_builds));

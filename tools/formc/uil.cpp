@@ -69,8 +69,15 @@ std::string uil_string(std::string_view text) {
 }
 
 std::string uil_label(std::string_view text) {
-    const bool lines = text.find('\n') != std::string_view::npos;
-    return "compound_string(" + uil_string(text) + (lines ? ", separate = true)" : ")");
+    // The compiler breaks a line only in a literal that it need not put together.
+    std::string result;
+    for (size_t end; (end = text.find('\n')) != std::string_view::npos;) {
+        result +=
+            "\n        compound_string(" + uil_string(text.substr(0, end)) + ", separate = true) &";
+        text = text.substr(end + 1);
+    }
+    return result + (result.empty() ? "" : "\n        ") + "compound_string(" + uil_string(text) +
+           ")";
 }
 
 std::string uil_translations(std::string_view text) {

@@ -35,6 +35,7 @@ use_build_data() {
     export UIDPATH=$data/uid/%U
     export NLSPATH=$data/nls/msg/C/%N
     export XFILESEARCHPATH=$data/app-defaults/%N
+    export TESSALY_HELP=$data/help
     export TESSALY_DOMAIN=${TESSALY_DOMAIN:-$PWD/data/domains/demo.toml}
 }
 

@@ -13,8 +13,8 @@ inline constexpr NB_ULONG WIRE_MAX_BLOCK = 1u
 inline constexpr NB_ULONG WIRE_MAX_BUFFER = 1u << 20;
 
 enum WIRE_KIND : NB_USHORT {
-    WIRE_HELLO = 1, // first frame of each side, sent without waiting for the other's: the
-                    // operator's has no block, the service's a WIRE_HELLO_BLOCK
+    WIRE_HELLO = 1,   // first frame of each side, sent without waiting for the other's: the
+                      // operator's has no block, the service's a WIRE_HELLO_BLOCK
     WIRE_REQUEST = 2, // operator to service: one verb
     WIRE_ANSWER = 3,  // service to operator: the block with return codes, and the filled part of a
                       // query's buffer

@@ -68,36 +68,3 @@ void vga_action_rje(Widget widget, XtPointer, XtPointer) {
 void vga_sysw_logging(Widget, XtPointer, XtPointer) {
     show_domain_window(VGA_UID_LOG_DIALOG);
 }
-
-// The help windows do not exist yet: like a dialog without a form, help that was asked for is
-// reported as missing, together with its location. Behind a message box the report waits until the
-// message is answered.
-void vga_help_cb(Widget widget, XtPointer client_data, XtPointer) {
-    vga_report_missing_dialog(vga_dialog_of(widget), static_cast<const char*>(client_data));
-}
-
-void vga_modal_dialog_help_cb(Widget, XtPointer client_data, XtPointer) {
-    auto* dialog = static_cast<vga_dialog*>(nba_validate_handle(vga_data_handle(client_data)));
-    if (dialog != nullptr) {
-        vga_report_missing_dialog(dialog, dialog->modal_dlg.help_tag);
-    }
-}
-
-void vga_menu_help_contents(Widget widget, XtPointer, XtPointer) {
-    vga_report_missing_dialog(vga_dialog_of(widget), "_hometopic");
-}
-
-void vga_menu_help_index(Widget widget, XtPointer, XtPointer) {
-    vga_report_missing_dialog(vga_dialog_of(widget), "index");
-}
-
-void vga_menu_help_help(Widget widget, XtPointer, XtPointer) {
-    vga_report_missing_dialog(vga_dialog_of(widget), "_hometopic");
-}
-
-void vga_menu_help_about(Widget widget, XtPointer, XtPointer) {
-    vga_dialog* about = nullptr;
-    if (vga_get_dialog(VGA_UID_ABOUT_BOX, vga_dialog_of(widget), nullptr, &about)) {
-        vga_display_dialog(about);
-    }
-}

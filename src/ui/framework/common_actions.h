@@ -13,8 +13,8 @@ void vga_action_cpic(Widget widget, XtPointer, XtPointer);
 void vga_action_rje(Widget widget, XtPointer, XtPointer);
 void vga_sysw_logging(Widget widget, XtPointer, XtPointer);
 
-// Help on a dialog (client_data: the help location, a string) and on the message that a box shows
-// (client_data: the handle of its dialog).
+// Help, in ui/windows/help.cpp: on a dialog (client_data: the help location, a string) and on the
+// message that a box shows (client_data: the handle of its dialog).
 void vga_help_cb(Widget widget, XtPointer client_data, XtPointer);
 void vga_modal_dialog_help_cb(Widget widget, XtPointer client_data, XtPointer);
 void vga_menu_help_contents(Widget widget, XtPointer, XtPointer);

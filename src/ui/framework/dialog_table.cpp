@@ -1,9 +1,10 @@
 // The only file of the framework that knows the windows and dialogs.
 #include "ui/framework/dialog_table.h"
 
-#include "dialogs/node_config.h"
 #include "dialogs/cpic.h"
+#include "dialogs/node_config.h"
 #include "dialogs/start_stop.h"
+#include "ui/windows/about.h"
 #include "ui/windows/cpic_window.h"
 #include "ui/windows/node_window.h"
 #include "ui/windows/system_window.h"
@@ -16,6 +17,16 @@ constexpr VGA_UID_DESC row(NB_USHORT dialog_id, const char* uid_name, NB_ULONG k
     desc.dialog_id = dialog_id;
     desc.uid_name = uid_name;
     desc.kind = kind;
+    return desc;
+}
+
+// A sub-dialog that only shows something.
+template <typename Dialog>
+constexpr VGA_UID_DESC view(NB_USHORT dialog_id, const char* uid_name,
+                            bool (*get_widgets)(vga_dialog*)) {
+    VGA_UID_DESC desc = row(dialog_id, uid_name, VGA_KIND_SUB_DIALOG);
+    desc.get_widgets = get_widgets;
+    desc.size = sizeof(Dialog);
     return desc;
 }
 
@@ -86,7 +97,7 @@ constexpr std::array<VGA_UID_DESC, VGA_UID_MAX + 1> gvga_uid_desc = {{
     row(VGA_UID_SDLC_LS_ADV_DIALOG, "sadvl", VGA_KIND_SUB_DIALOG),
     row(VGA_UID_LLC2_LS_ADV_DIALOG, "ladvl", VGA_KIND_SUB_DIALOG),
     row(VGA_UID_QLLC_LS_ADV_DIALOG, "qadvl", VGA_KIND_SUB_DIALOG),
-    row(VGA_UID_START_HELP_DIALOG, "shlpd", VGA_KIND_SUB_DIALOG),
+    view<vga_start_help_dialog>(VGA_UID_START_HELP_DIALOG, "shlpd", vga_get_widgets_start_help),
     row(VGA_UID_USER_STATUS_DIALOG, "ustad", VGA_KIND_DIALOG),
     row(VGA_UID_TN_WINDOW, "tnw", VGA_KIND_WINDOW),
     row(VGA_UID_TN_DIALOG, "tnd", VGA_KIND_DIALOG),
@@ -95,7 +106,7 @@ constexpr std::array<VGA_UID_DESC, VGA_UID_MAX + 1> gvga_uid_desc = {{
     row(VGA_UID_CL_SECURITY_DIALOG, "clscd", VGA_KIND_DIALOG),
     row(VGA_UID_SL_SECURITY_WINDOW, "slscw", VGA_KIND_DIALOG),
     row(VGA_UID_SL_SECURITY_DIALOG, "slscd", VGA_KIND_DIALOG),
-    row(VGA_UID_ABOUT_BOX, "about", VGA_KIND_SUB_DIALOG),
+    view<vga_about_box>(VGA_UID_ABOUT_BOX, "about", vga_get_widgets_about),
     row(VGA_UID_POOL_CTX_ADD_DIALOG, "pctxd", VGA_KIND_DIALOG),
     form<vga_ls_choice_dialog>(VGA_UID_STOP_LS_DIALOG, "stopl", VGA_KIND_SUB_DIALOG,
                                vga_stopl_get_widgets, vga_stopl_close_proc, gvga_stopl_callbacks),

@@ -39,7 +39,7 @@ struct VGA_DELETE_KIND { // how the records of a list's rows are deleted
     void (*print)(NB_BYTE type, const void* record, int message, char* text);
     // Sends the next verb for a record. last: opcode of the one before, 0 at first. record: null
     // once that verb has taken it out of the store. owner: whose list it is.
-    VGA_DELETE_STEP (*issue)
+    VGA_DELETE_STEP(*issue)
     (NB_BYTE type, void* record, void* owner, NB_USHORT last, NB_ULONG corr, VGA_CALLBACK callback);
     // Takes a verb that succeeded into the store.
     void (*process)(VGA_COMPLETION* completion, void* owner);

@@ -15,7 +15,7 @@ struct ROW {
     NB_BYTE type;
     VGA_DELETE_TARGET (*target)(const void* record);
     VGA_DELETE_QUESTION (*question)(const void* record, bool several);
-    VGA_DELETE_STEP (*issue)
+    VGA_DELETE_STEP(*issue)
     (void* record, vga_node* node, NB_USHORT last, NB_ULONG corr, VGA_CALLBACK callback);
 };
 

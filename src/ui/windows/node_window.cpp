@@ -9,6 +9,7 @@
 #include "store/store.h"
 #include "ui/framework/widget_tree.h"
 #include "ui/framework/window_menu.h"
+#include "ui/windows/about.h"
 #include "ui/windows/delete_flow.h"
 #include "ui/windows/node_window_internal.h"
 #include "ui/windows/system_window.h"
@@ -200,13 +201,6 @@ vga_node_window* window_of(vga_node* node) {
     return window;
 }
 
-void show_start_help(vga_node_window* window, vga_node* node) {
-    vga_dialog* dialog = nullptr;
-    if (vga_get_dialog(VGA_UID_START_HELP_DIALOG, &window->common, node, &dialog)) {
-        vga_display_dialog(dialog);
-    }
-}
-
 } // namespace
 
 bool vga_build_node_window(vga_node* node) {
@@ -290,7 +284,7 @@ bool vga_display_node_window(vga_node* node, bool ready) {
     XmProcessTraversal(window->link, XmTRAVERSE_CURRENT);
     vga_mark_window_ready(&window->common);
     if (node->node_state == VGA_NODE_STATE_UNCONFIGURED && !gvga_read_only) {
-        show_start_help(window, node);
+        vga_display_start_help_dialog(node, VGA_INTRO_TYPE_NODE);
     }
     return true;
 }
