@@ -95,9 +95,17 @@ ControlAnswer hold_verbs(Service& service, Connection&, const Words& words) {
     return {};
 }
 
-ControlAnswer release_verbs(Service& service, Connection&, const Words&) {
-    service.faults.held.clear();
-    send_late_answers(service, true);
+ControlAnswer release_verbs(Service& service, Connection&, const Words& words) {
+    NB_USHORT opcode = 0;
+    if (words.size() > 2 || (words.size() == 2 && !parse_verb(words[1], opcode))) {
+        return usage("release [VERB]");
+    }
+    if (opcode == 0) {
+        service.faults.held.clear();
+    } else {
+        service.faults.held.erase(opcode);
+    }
+    release_answers(service, opcode);
     return {};
 }
 
@@ -128,7 +136,7 @@ ControlAnswer clear_faults(Service& service, Connection&, const Words&) {
     service.faults.damage.reset();
     service.world.resync.clear();
     service.faults.held.clear();
-    send_late_answers(service, true);
+    release_answers(service, 0);
     return {};
 }
 
@@ -340,7 +348,7 @@ constexpr Command commands[] = {
     {"takes", "VERB MILLISECONDS", "verbs of a kind take time before anything comes of them",
      set_duration},
     {"hold", "VERB", "answers of a kind wait for release", hold_verbs},
-    {"release", "", "send the answers that wait", release_verbs},
+    {"release", "[VERB]", "send the answers that wait", release_verbs},
     {"resync", "KIND", "the next indication of a kind says that some were lost", set_resync},
     {"corrupt", "DAMAGE [VERB]", "damage the next answer", damage_answer},
     {"clear", "", "forget failures, delays, holds and damage", clear_faults},

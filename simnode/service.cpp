@@ -344,7 +344,7 @@ int next_timeout(const Service& service, int timeout_ms) {
 
 void do_timed_work(Service& service) {
     finish_slow_verbs(service);
-    send_late_answers(service, false);
+    send_late_answers(service);
     const auto now = Clock::now();
     if (service.lively_period != Clock::duration::zero() && now >= service.next_tick) {
         service.next_tick = now + service.lively_period;
@@ -475,11 +475,20 @@ void send_status(Connection& connection, NB_ULONG status, NB_HANDLE handle) {
     indicate_to(connection, sink, {reinterpret_cast<const NB_BYTE*>(&block), sizeof block});
 }
 
-void send_late_answers(Service& service, bool released) {
+void release_answers(Service& service, NB_USHORT opcode) {
+    for (LateAnswer& late : service.faults.late) {
+        if (opcode == 0 || late.opcode == opcode) {
+            late.due = {};
+        }
+    }
+    send_late_answers(service);
+}
+
+void send_late_answers(Service& service) {
     const auto now = Clock::now();
     std::vector<LateAnswer> due;
     std::erase_if(service.faults.late, [&](LateAnswer& late) {
-        if (late.due > now && !released) {
+        if (late.due > now) {
             return false;
         }
         due.push_back(std::move(late));

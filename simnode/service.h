@@ -57,8 +57,10 @@ void send_events(Service& service);
 // Sends the node software status indication for one of an operator's handles (0: of no particular
 // one).
 void send_status(Connection& connection, NB_ULONG status, NB_HANDLE handle);
-// Sends answers that are due; with released, the held ones as well.
-void send_late_answers(Service& service, bool released);
+// Sends answers that are due.
+void send_late_answers(Service& service);
+// Sends those of a verb that are late or held, whether due or not; opcode 0: of all verbs.
+void release_answers(Service& service, NB_USHORT opcode);
 // The list of verbs that the libraries are to complete at once.
 void send_immediate(Service& service, Connection& connection);
 // Null when the operator has gone.

@@ -47,7 +47,7 @@ TEST_F(Chain, ALinkStationOfAStoppedNode) {
         EXPECT_EQ(verbs(), first(step)) << "each step waits for the answer to the one before";
         EXPECT_TRUE(step == 4 || // when the node may have told of it before its answer
                     link->vcb->det.state == NOF_STATE_START_PENDING);
-        service.control("release");
+        service.control(std::string("release NAP_") + whole_chain[step - 1]);
     }
     ASSERT_TRUE(comes_true([&] { return link->vcb->det.state == NOF_STATE_ACTIVE; }));
     EXPECT_EQ(link->parent->vcb->state, NOF_STATE_ACTIVE);
