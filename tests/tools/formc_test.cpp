@@ -5,16 +5,17 @@
 #include <Mrm/MrmPublic.h>
 #include <Xm/XmAll.h>
 
+#include <cctype>
 #include <chrono>
 #include <cstdio>
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
 #include <map>
-#include <regex>
 #include <set>
 #include <string>
 #include <unistd.h>
+#include <utility>
 #include <vector>
 
 namespace {
@@ -178,27 +179,36 @@ protected:
     }
     static void TearDownTestSuite() { MrmCloseHierarchy(hierarchy); }
 
-    // What the module names by a pattern.
-    static std::set<std::string> names_of(const std::string& pattern) {
+    // The words of the module of which wanted(word before, word, character behind) is true.
+    template <typename Wanted> static std::set<std::string> words_of_module(Wanted wanted) {
         std::ifstream in(build_dir + "/data/forms/tessalydlg.uil");
-        std::set<std::string> names;
-        const std::regex expression(pattern);
-        for (std::string line; std::getline(in, line);)
-            for (std::sregex_iterator at(line.begin(), line.end(), expression), end; at != end;
-                 ++at)
-                names.insert((*at)[1]);
-        return names;
+        std::set<std::string> words;
+        std::string before, word;
+        for (char c; in.get(c);) {
+            if (std::isalnum(static_cast<unsigned char>(c)) != 0 || c == '_') {
+                word += c;
+            } else if (!word.empty()) {
+                if (wanted(before, word, c))
+                    words.insert(word);
+                before = std::exchange(word, "");
+            }
+        }
+        return words;
     }
     // The program's own actions, and the procedures that the module declares.
     static void register_actions(XtAppContext context) {
-        static const std::set<std::string> names = names_of("(vga_\\w+)\\(");
+        static const std::set<std::string> names =
+            words_of_module([](const auto&, const auto& word, char behind) {
+                return word.starts_with("vga_") && behind == '(';
+            });
         std::vector<XtActionsRec> actions;
         for (const std::string& name : names)
             actions.push_back({const_cast<String>(name.c_str()), ignore_action});
         XtAppAddActions(context, actions.data(), static_cast<Cardinal>(actions.size()));
     }
     static void register_procedures() {
-        static const std::set<std::string> names = names_of("procedure (\\w+)");
+        static const std::set<std::string> names = words_of_module(
+            [](const auto& before, const auto&, char) { return before == "procedure"; });
         std::vector<MRMRegisterArg> arguments;
         for (const std::string& name : names)
             arguments.push_back(
