@@ -35,7 +35,7 @@ constexpr unsigned nodes = 50;
 constexpr const char* domain = // 2,000 resources on each
     "node=50,port=2,ls=20,lu03=1800,lu62=40,mode_definition=20,directory=40,partner_definition=20,"
     "tp=20,ls_routing=10,userid=10,tn_client=10";
-constexpr double start_limit = 1.3; // our median time by the peer's
+constexpr double start_limit = 1.3; // our time by the peer's
 constexpr double switch_limit = 50; // milliseconds
 constexpr double patience = 20;     // seconds
 constexpr int turns = 7;
@@ -155,6 +155,7 @@ int main() {
     const Service service(domain);
     std::vector<double> peer;
     std::vector<double> ours;
+    std::vector<double> ratio;
     std::vector<double> open;
     std::vector<double> change;
     double slowest = 0;
@@ -162,11 +163,12 @@ int main() {
         peer.push_back(read_domain(service, nodes).seconds);
         const Turn turn = run_apart(service);
         ours.push_back(turn.start);
+        ratio.push_back(turn.start / peer.back());
         open.push_back(turn.open);
         change.push_back(turn.change);
         slowest = std::max(slowest, turn.slowest);
     }
-    bool ok = report("start", median(ours) / median(peer), start_limit);
+    bool ok = report("start", median(ratio), start_limit);
     std::printf("# start: %.2f s of processor time, bare clients %.2f s\n", median(ours),
                 median(peer));
     ok &= report("switch_milliseconds", median(change), switch_limit, 1);

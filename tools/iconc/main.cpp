@@ -52,6 +52,7 @@ constexpr INK inks[] = {
     {{0xB3, 0xBC, 0xC5}, {0x86, 0xA9, 0xC2}}, // insensitive outline
 };
 constexpr std::array blends{1.0, 0.66, 0.33};
+constexpr int least_distance = 1200; // of a blend from the ground, to be worth a colour
 constexpr std::string_view letters = "abcdefghijklmnopqrstuvwxyzABCDEFGHIJKLMNOPQRSTUVWXYZ";
 static_assert(std::size(inks) * blends.size() <= letters.size());
 
@@ -138,8 +139,10 @@ char letter(std::uint32_t pixel) {
     std::size_t index = 0;
     for (const INK& ink : inks) {
         for (const double blend : blends) {
-            const int d = distance(seen, mix(ink.on_light, light_ground, blend));
-            if (d < best_distance) {
+            const COLOUR colour = mix(ink.on_light, light_ground, blend);
+            const bool faint = blend < 1 && distance(colour, light_ground) < least_distance;
+            const int d = distance(seen, colour);
+            if (d < best_distance && !faint) {
                 best_distance = d;
                 best = letters[index];
             }
