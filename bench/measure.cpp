@@ -7,6 +7,7 @@
 #include <cstdlib>
 #include <ctime>
 #include <sched.h>
+#include <sys/prctl.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -62,6 +63,7 @@ Service::Service(const std::string& counts) {
     child_ = fork();
     if (child_ == 0) {
         close(ready[0]);
+        prctl(PR_SET_PDEATHSIG, SIGTERM); // fail() leaves without a word to it
         const std::string fd = std::to_string(ready[1]);
         execl(TESSALY_BUILD_DIR "/simnode/tessaly-simnode", "tessaly-simnode", "--socket",
               socket_.c_str(), "--generate", counts.c_str(), "--ready-fd", fd.c_str(),
