@@ -260,12 +260,21 @@ TEST_F(Help, PrintingUsesTheCommandAndTellsItsFailure) {
     close_all();
 }
 
+// The window manager gives a new window the keyboard in its own time.
+bool has_keyboard(const vga_dialog* dialog) {
+    Window focus = None;
+    int revert = 0;
+    XGetInputFocus(gvga_display, &focus, &revert);
+    return focus == XtWindow(dialog->shell);
+}
+
 TEST_F(Help, OfADialogShowsItsLocationAndGoesWithIt) {
     stop_node();
     for (int round = 0; round < 2; ++round) { // the dialog is used again
         vga_display_node_dialog(node, false);
         ASSERT_TRUE(comes_true([&] { return node->gui_data.dialog != nullptr; }));
         auto* dialog = static_cast<vga_dialog*>(node->gui_data.dialog);
+        ASSERT_TRUE(wait([&] { return has_keyboard(dialog); }));
         console.key(F1);
         ASSERT_TRUE(wait_helps(1));
         EXPECT_EQ(location(help()), "noded");
@@ -443,6 +452,8 @@ TEST_F(StartHelpOfNode, ComesWithItsWindow) {
     XtVaGetValues(console.widget("shlpdNodeLabel2"), XmNlabelString, &step, nullptr);
     EXPECT_EQ(XmStringLineCount(step), 2);
     XmStringFree(step);
+    ASSERT_TRUE(
+        wait([&] { return has_keyboard(vga_dialog_of(console.widget("shlpdNodeLabel2"))); }));
     console.key(F1);
     EXPECT_TRUE(wait_helps(1));
     EXPECT_EQ(location(help()), "shlpd");
