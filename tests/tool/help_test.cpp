@@ -399,6 +399,7 @@ TEST_F(Help, AboutBoxShowsTheVersionOnceAndItsHelpIsTheContents) {
     vga_for_each_open_dialog(
         [&](vga_dialog* dialog) { open += dialog->dialog_id == VGA_UID_ABOUT_BOX; });
     EXPECT_EQ(open, 1);
+    ASSERT_TRUE(wait([&] { return has_keyboard(vga_dialog_of(version)); }));
     console.key(F1);
     ASSERT_TRUE(wait_helps(1));
     EXPECT_EQ(location(help()), "_hometopic");
