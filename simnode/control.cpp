@@ -100,11 +100,6 @@ ControlAnswer release_verbs(Service& service, Connection&, const Words& words) {
     if (words.size() > 2 || (words.size() == 2 && !parse_verb(words[1], opcode))) {
         return usage("release [VERB]");
     }
-    if (opcode == 0) {
-        service.faults.held.clear();
-    } else {
-        service.faults.held.erase(opcode);
-    }
     release_answers(service, opcode);
     return {};
 }
@@ -135,7 +130,6 @@ ControlAnswer clear_faults(Service& service, Connection&, const Words&) {
     service.faults.durations.clear();
     service.faults.damage.reset();
     service.world.resync.clear();
-    service.faults.held.clear();
     release_answers(service, 0);
     return {};
 }

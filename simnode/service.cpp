@@ -476,6 +476,8 @@ void send_status(Connection& connection, NB_ULONG status, NB_HANDLE handle) {
 }
 
 void release_answers(Service& service, NB_USHORT opcode) {
+    std::erase_if(service.faults.held,
+                  [opcode](NB_USHORT held) { return opcode == 0 || held == opcode; });
     for (LateAnswer& late : service.faults.late) {
         if (opcode == 0 || late.opcode == opcode) {
             late.due = {};

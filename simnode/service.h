@@ -59,7 +59,7 @@ void send_events(Service& service);
 void send_status(Connection& connection, NB_ULONG status, NB_HANDLE handle);
 // Sends answers that are due.
 void send_late_answers(Service& service);
-// Sends those of a verb that are late or held, whether due or not; opcode 0: of all verbs.
+// Ends the hold on a verb and sends its answers, whether due or not; opcode 0: of all verbs.
 void release_answers(Service& service, NB_USHORT opcode);
 // The list of verbs that the libraries are to complete at once.
 void send_immediate(Service& service, Connection& connection);

@@ -40,9 +40,7 @@ void set_label(Widget toggle, int message, const vga_ls* ls) {
     char text[VGA_MESSAGE_BUFFER_SIZE];
     vga_print_msg(text, gvga_messages[message], "cs", static_cast<int>(sizeof ls->vcb->ls_name),
                   ls->vcb->ls_name);
-    XmString label = XmStringCreateLocalized(text);
-    XtVaSetValues(toggle, XmNlabelString, label, nullptr);
-    XmStringFree(label);
+    vga_set_text(toggle, XmNlabelString, text);
 }
 
 // The dialog, filled in; null when it cannot be made.

@@ -10,16 +10,23 @@
 
 namespace {
 
-// Makes a record of an entry and inserts it; false: no memory.
-template <typename Record, typename Parent, typename Entry>
+struct Nothing {
+    void operator()(auto*, const auto&) const {}
+};
+
+// Makes a record of an entry and inserts it; false: no memory. then(record, entry): what follows
+// once it is in the store.
+template <typename Record, typename Parent, typename Entry, typename Then = Nothing>
 bool add(vga_page_context& context, Record* (*init)(Parent*, const Entry*),
-         Record* (*insert)(Record*, Parent*), Parent* parent, const void* entry) {
-    Record* record = init(parent, static_cast<const Entry*>(entry));
+         Record* (*insert)(Record*, Parent*), Parent* parent, const void* raw, Then then = {}) {
+    const auto* entry = static_cast<const Entry*>(raw);
+    Record* record = init(parent, entry);
     if (record == nullptr) {
         return false;
     }
     if (record = insert(record, parent); record != nullptr) {
         context.record = record;
+        then(record, *entry);
     }
     return gvga_exit_code == 0;
 }
@@ -30,12 +37,12 @@ vga_node* node_of(const vga_page_context& context) {
 
 // A record that was made by a definition before its kind's indications were asked for has the state
 // of that moment; a definition leaves it, a list tells the present one.
-template <typename Record, typename State>
-void take_state(const vga_page_context& context, State* state, const State& listed) {
+template <typename State>
+void take_state(const vga_page_context& context, State* state, const State& listed,
+                vga_viewer* row) {
     if (std::memcmp(state, &listed, sizeof listed) != 0) {
         *state = listed;
-        vga_update_row(&node_of(context)->links_root,
-                       &static_cast<Record*>(context.record)->viewer);
+        vga_update_row(&node_of(context)->links_root, row);
     }
 }
 
@@ -56,11 +63,8 @@ bool add_cos_row(vga_page_context& context, vga_cos_row* (*insert)(vga_cos_row*,
 } // namespace
 
 bool vga_entry_dlc(vga_page_context& context, const void* entry) {
-    if (!add(context, vga_init_vga_dlc, vga_insert_vga_dlc, node_of(context), entry)) {
-        return false;
-    }
-    static_cast<vga_dlc*>(context.record)->vcb->state = static_cast<const DLC_ENTRY*>(entry)->state;
-    return true;
+    return add(context, vga_init_vga_dlc, vga_insert_vga_dlc, node_of(context), entry,
+               [](vga_dlc* dlc, const DLC_ENTRY& listed) { dlc->vcb->state = listed.state; });
 }
 
 bool vga_entry_port(vga_page_context& context, const void* raw) {
@@ -70,12 +74,10 @@ bool vga_entry_port(vga_page_context& context, const void* raw) {
         vga_log_missing_parent(18, NAP_QUERY_PORT, entry->def.dlc_name, 8);
         return true;
     }
-    if (!add(context, vga_init_vga_port, vga_insert_vga_port, dlc, entry)) {
-        return false;
-    }
-    take_state<vga_port>(context, &static_cast<vga_port*>(context.record)->vcb->state,
-                         entry->state);
-    return true;
+    return add(context, vga_init_vga_port, vga_insert_vga_port, dlc, entry,
+               [&](vga_port* record, const PORT_ENTRY& listed) {
+                   take_state(context, &record->vcb->state, listed.state, &record->viewer);
+               });
 }
 
 bool vga_entry_ls(vga_page_context& context, const void* raw) {
@@ -85,13 +87,11 @@ bool vga_entry_ls(vga_page_context& context, const void* raw) {
         vga_log_missing_parent(19, NAP_QUERY_LS, entry->def.port_name, 8);
         return true;
     }
-    if (!add(context, vga_init_vga_ls, vga_insert_vga_ls, port, entry)) {
-        return false;
-    }
-    auto* ls = static_cast<vga_ls*>(context.record);
-    take_state<vga_ls>(context, &ls->vcb->det, entry->det);
-    vga_add_ls_pu(ls);
-    return gvga_exit_code == 0;
+    return add(context, vga_init_vga_ls, vga_insert_vga_ls, port, entry,
+               [&](vga_ls* ls, const LS_ENTRY& listed) {
+                   take_state(context, &ls->vcb->det, listed.det, &ls->viewer);
+                   vga_add_ls_pu(ls);
+               });
 }
 
 bool vga_entry_cn(vga_page_context& context, const void* entry) {
@@ -120,18 +120,10 @@ bool vga_entry_local_pu(vga_page_context& context, const void* entry) {
 bool vga_entry_down_pu(vga_page_context& context, const void* entry) {
     return add(context, vga_init_vga_down_pu, vga_insert_vga_down_pu, node_of(context), entry);
 }
-bool vga_entry_lu03(vga_page_context& context, const void* raw) {
-    auto* pu = static_cast<vga_pu*>(context.owner);
-    const auto* entry = static_cast<const LU03_ENTRY*>(raw);
-    vga_lu03* lu = vga_init_vga_lu03(pu, entry);
-    if (lu == nullptr) {
-        return false;
-    }
-    if (lu = vga_insert_vga_lu03(lu, pu); lu != nullptr) {
-        context.record = lu;
-        vga_take_lu03_detail(lu, entry->det_data);
-    }
-    return gvga_exit_code == 0;
+bool vga_entry_lu03(vga_page_context& context, const void* entry) {
+    return add(
+        context, vga_init_vga_lu03, vga_insert_vga_lu03, static_cast<vga_pu*>(context.owner), entry,
+        [](vga_lu03* lu, const LU03_ENTRY& listed) { vga_take_lu03_detail(lu, listed.det_data); });
 }
 bool vga_entry_down_lu(vga_page_context& context, const void* entry) {
     return add(context, vga_init_vga_down_lu, vga_insert_vga_down_lu,

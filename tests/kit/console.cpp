@@ -283,6 +283,13 @@ std::string CONSOLE::message() {
     return result;
 }
 
+Window CONSOLE::focus_window() {
+    Window window = None;
+    int revert = 0;
+    XGetInputFocus(gvga_display, &window, &revert);
+    return window;
+}
+
 bool CONSOLE::answer(const std::string& button) {
     const vga_dialog* dialog = dialog_with_box();
     Widget child = dialog != nullptr
@@ -293,14 +300,7 @@ bool CONSOLE::answer(const std::string& button) {
     }
     // The window manager gives the keyboard to the box once it has placed it.
     const Window box = XtWindow(dialog->modal_dlg.shell);
-    wait(
-        [box] {
-            Window focus = None;
-            int revert = 0;
-            XGetInputFocus(gvga_display, &focus, &revert);
-            return focus == box;
-        },
-        2000);
+    wait([box] { return focus_window() == box; }, 2000);
     wait_idle();
     click(child);
     return true;

@@ -49,6 +49,8 @@ public:
     // Clicks a row whose text contains a part.
     bool click_row(vga_viewer_root& root, const std::string& part, unsigned modifiers = 0,
                    int count = 1);
+    // The window that has the keyboard.
+    static Window focus_window();
     // The text of the message box that shows, or "".
     static std::string message();
     // Answers the message box: "OK", "Cancel", "confirmOKToAllButton", "confirmNoButton".

@@ -37,11 +37,7 @@ protected:
         ASSERT_TRUE(console.started() && console.wait_built());
         node = ntl_avl_first<vga_node>(gvga_system->node_tree);
         // Help for a domain that is not configured lies over its window.
-        vga_dialog* help = nullptr;
-        vga_for_each_open_dialog([&](vga_dialog* dialog) {
-            help = dialog->dialog_id == VGA_UID_START_HELP_DIALOG ? dialog : help;
-        });
-        if (help != nullptr) {
+        if (vga_dialog* help = vga_open_instance(VGA_UID_START_HELP_DIALOG)) {
             vga_close_children(help, true, true);
             console.wait_idle();
         }
@@ -146,14 +142,8 @@ protected:
         while (!XtIsShell(widget)) {
             widget = XtParent(widget);
         }
-        return console.wait([widget] { return focus_window() == XtWindow(widget); }) &&
+        return console.wait([widget] { return CONSOLE::focus_window() == XtWindow(widget); }) &&
                console.wait_idle();
-    }
-    static Window focus_window() {
-        Window window = None;
-        int revert = 0;
-        XGetInputFocus(gvga_display, &window, &revert);
-        return window;
     }
     // Replaces a field's text by typing.
     void type(Widget field, const std::string& value) {
@@ -179,7 +169,8 @@ protected:
         EXPECT_NE(shown.find(part), std::string::npos) << number << ": " << shown;
         EXPECT_TRUE(console.answer(button)) << number;
         // The keyboard goes back to a window that is there.
-        comes_true([] { return XtWindowToWidget(gvga_display, focus_window()) != nullptr; });
+        comes_true(
+            [] { return XtWindowToWidget(gvga_display, CONSOLE::focus_window()) != nullptr; });
     }
 
 private:

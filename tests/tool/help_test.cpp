@@ -227,14 +227,6 @@ TEST_F(Help, ManualPagesComeWhenTheyAreReady) {
     std::filesystem::remove(fifo);
 }
 
-// The window manager gives a new window the keyboard in its own time.
-bool has_keyboard(Widget shell) {
-    Window focus = None;
-    int revert = 0;
-    XGetInputFocus(gvga_display, &focus, &revert);
-    return focus == XtWindow(shell);
-}
-
 TEST_F(Help, PrintingUsesTheCommandAndTellsItsFailure) {
     const std::string file = kit::scratch() + "/printed";
     set_resource("*helpDialog.printCommand: cat >" + file);
@@ -263,7 +255,7 @@ TEST_F(Help, PrintingUsesTheCommandAndTellsItsFailure) {
     EXPECT_NE(std::string(plain).find("no printer here"), std::string::npos) << plain;
     XtFree(plain);
     XmStringFree(text);
-    ASSERT_TRUE(wait([&] { return has_keyboard(XtParent(box)); }));
+    ASSERT_TRUE(gets_keyboard(box));
     console.click(XmMessageBoxGetChild(box, XmDIALOG_OK_BUTTON));
     EXPECT_TRUE(wait([&] { return XtNameToWidget(help(), "*helpPrintError") == nullptr; }));
     close_all();
@@ -275,7 +267,7 @@ TEST_F(Help, OfADialogShowsItsLocationAndGoesWithIt) {
         vga_display_node_dialog(node, false);
         ASSERT_TRUE(comes_true([&] { return node->gui_data.dialog != nullptr; }));
         auto* dialog = static_cast<vga_dialog*>(node->gui_data.dialog);
-        ASSERT_TRUE(wait([&] { return has_keyboard(dialog->shell); }));
+        ASSERT_TRUE(gets_keyboard(dialog->widget));
         console.key(F1);
         ASSERT_TRUE(wait_helps(1));
         EXPECT_EQ(location(help()), "noded");
@@ -400,7 +392,7 @@ TEST_F(Help, AboutBoxShowsTheVersionOnceAndItsHelpIsTheContents) {
     vga_for_each_open_dialog(
         [&](vga_dialog* dialog) { open += dialog->dialog_id == VGA_UID_ABOUT_BOX; });
     EXPECT_EQ(open, 1);
-    ASSERT_TRUE(wait([&] { return has_keyboard(vga_dialog_of(version)->shell); }));
+    ASSERT_TRUE(gets_keyboard(version));
     console.key(F1);
     ASSERT_TRUE(wait_helps(1));
     EXPECT_EQ(location(help()), "_hometopic");
@@ -454,8 +446,7 @@ TEST_F(StartHelpOfNode, ComesWithItsWindow) {
     XtVaGetValues(console.widget("shlpdNodeLabel2"), XmNlabelString, &step, nullptr);
     EXPECT_EQ(XmStringLineCount(step), 2);
     XmStringFree(step);
-    ASSERT_TRUE(wait(
-        [&] { return has_keyboard(vga_dialog_of(console.widget("shlpdNodeLabel2"))->shell); }));
+    ASSERT_TRUE(gets_keyboard(console.widget("shlpdNodeLabel2")));
     console.key(F1);
     EXPECT_TRUE(wait_helps(1));
     EXPECT_EQ(location(help()), "shlpd");

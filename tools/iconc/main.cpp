@@ -51,6 +51,16 @@ constexpr INK inks[] = {
     {{0xC9, 0x84, 0x12}, {0xF8, 0xD0, 0x80}}, // lock and key
     {{0xB3, 0xBC, 0xC5}, {0x86, 0xA9, 0xC2}}, // insensitive outline
 };
+// The forms in which an image is written.
+struct FORM {
+    const char* ending; // of its name
+    COLOUR INK::*ink;
+    COLOUR ground;
+    const char* ground_name;
+};
+constexpr FORM forms[] = {{"_icon", &INK::on_light, light_ground, "background color"},
+                          {"_iconi", &INK::on_dark, dark_ground, "foreground color"}};
+
 constexpr std::array blends{1.0, 0.66, 0.33};
 constexpr int least_distance = 1200; // of a blend from the ground, to be worth a colour
 constexpr std::string_view letters = "abcdefghijklmnopqrstuvwxyzABCDEFGHIJKLMNOPQRSTUVWXYZ";
@@ -154,20 +164,20 @@ char letter(std::uint32_t pixel) {
 
 // The colour table of one image, with the letters it uses only: the X server is asked for each
 // colour of each table when the icons are loaded.
-void write_colours(std::ostream& out, const std::string& name, COLOUR INK::*ink_form, COLOUR ground,
-                   const char* ground_name, std::string_view used) {
-    out << "value\n    " << name << ": color_table(" << ground_name << " = ' '";
+void write_colours(std::ostream& out, const std::string& name, const FORM& form,
+                   std::string_view used) {
+    out << "value\n    " << name << ": color_table(" << form.ground_name << " = ' '";
     std::size_t index = 0;
     for (const INK& ink : inks) {
         for (const double blend : blends) {
-            const char letter = letters[index++];
-            if (used.find(letter) == std::string_view::npos) {
+            const char sign = letters[index++];
+            if (used.find(sign) == std::string_view::npos) {
                 continue;
             }
-            const COLOUR c = mix(ink.*ink_form, ground, blend);
+            const COLOUR c = mix(ink.*form.ink, form.ground, blend);
             char text[64];
             std::snprintf(text, sizeof text, ",\n        color('#%02X%02X%02X') = '%c'", c.r, c.g,
-                          c.b, letter);
+                          c.b, sign);
             out << text;
         }
     }
@@ -240,12 +250,11 @@ int main(int argc, char** argv) {
         } else {
             std::string used;
             std::ranges::transform(image.argb, std::back_inserter(used), letter);
-            write_colours(out, name + "_light", &INK::on_light, light_ground, "background color",
-                          used);
-            write_icon(out, name + "_icon", name + "_light", image, letter);
-            write_colours(out, name + "_dark", &INK::on_dark, dark_ground, "foreground color",
-                          used);
-            write_icon(out, name + "_iconi", name + "_dark", image, letter);
+            for (const FORM& form : forms) {
+                const std::string literal = name + form.ending;
+                write_colours(out, literal + "_colours", form, used);
+                write_icon(out, literal, literal + "_colours", image, letter);
+            }
         }
     }
     out << "end module;\n";

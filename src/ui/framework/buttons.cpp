@@ -18,12 +18,6 @@ constexpr BUTTON buttons[] = {
     {"HelpButton", XmDIALOG_HELP_BUTTON},
 };
 
-void set_label(Widget widget, const char* resource, int message) {
-    XmString text = XmStringCreateLocalized(const_cast<char*>(gvga_messages[message]));
-    XtVaSetValues(widget, resource, text, nullptr);
-    XmStringFree(text);
-}
-
 void manage(Widget widget, bool managed) {
     if (widget == nullptr) {
         return;
@@ -41,7 +35,7 @@ void set_ok(vga_dialog* dialog, int label, XtCallbackProc callback) {
     if (ok == nullptr) {
         return;
     }
-    set_label(ok, XmNlabelString, label);
+    vga_set_text(ok, XmNlabelString, gvga_messages[label]);
     const bool box = XmIsMessageBox(dialog->widget) || XmIsSelectionBox(dialog->widget);
     Widget owner = box ? dialog->widget : ok;
     const char* list = box ? XmNokCallback : XmNactivateCallback;
@@ -72,6 +66,12 @@ template <typename Call> void call_activate(Widget widget, XEvent* event) {
 }
 
 } // namespace
+
+void vga_set_text(Widget widget, const char* resource, const char* text) {
+    XmString string = XmStringCreateLocalized(const_cast<char*>(text));
+    XtVaSetValues(widget, resource, string, nullptr);
+    XmStringFree(string);
+}
 
 Widget vga_dialog_button(Widget top, VGA_BUTTON button) {
     const BUTTON& wanted = buttons[button];
@@ -141,10 +141,10 @@ Widget vga_get_popup_list(Widget widget, XtCallbackProc ok_callback, XtPointer c
     static char name[] = "popupBoard";
     Widget board = with_items ? XmCreateSelectionDialog(widget, name, arguments, 4)
                               : XmCreatePromptDialog(widget, name, arguments, 4);
-    set_label(board, XmNdialogTitle, VGA_TEXT_LIST_TITLE);
-    set_label(board, XmNselectionLabelString, VGA_TEXT_LIST_TITLE);
-    set_label(board, XmNokLabelString, VGA_TEXT_OK);
-    set_label(board, XmNcancelLabelString, VGA_TEXT_CANCEL);
+    vga_set_text(board, XmNdialogTitle, gvga_messages[VGA_TEXT_LIST_TITLE]);
+    vga_set_text(board, XmNselectionLabelString, gvga_messages[VGA_TEXT_LIST_TITLE]);
+    vga_set_text(board, XmNokLabelString, gvga_messages[VGA_TEXT_OK]);
+    vga_set_text(board, XmNcancelLabelString, gvga_messages[VGA_TEXT_CANCEL]);
     manage(XmSelectionBoxGetChild(board, XmDIALOG_HELP_BUTTON), false);
     manage(XmSelectionBoxGetChild(board, XmDIALOG_APPLY_BUTTON), false);
     if (with_items) {

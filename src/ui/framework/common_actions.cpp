@@ -6,19 +6,9 @@
 
 namespace {
 
-vga_dialog* open_instance(NB_USHORT dialog_id) {
-    vga_dialog* found = nullptr;
-    vga_for_each_open_dialog([&](vga_dialog* dialog) {
-        if (dialog->dialog_id == dialog_id) {
-            found = dialog;
-        }
-    });
-    return found;
-}
-
 // Shows a window of the whole domain: the one that is open, or a new one.
 void show_domain_window(NB_USHORT dialog_id) {
-    if (vga_dialog* dialog = open_instance(dialog_id)) {
+    if (vga_dialog* dialog = vga_open_instance(dialog_id)) {
         vga_raise_dialog(dialog);
         return;
     }

@@ -74,3 +74,10 @@ template <typename Use> void vga_for_each_open_dialog(Use use) {
         }
     }
 }
+// The descriptor of a kind that is open (the last one), or null.
+inline vga_dialog* vga_open_instance(NB_USHORT dialog_id) {
+    vga_dialog* found = nullptr;
+    vga_for_each_open_dialog(
+        [&](vga_dialog* dialog) { found = dialog->dialog_id == dialog_id ? dialog : found; });
+    return found;
+}

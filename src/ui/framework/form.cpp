@@ -130,9 +130,7 @@ void vga_set_form_title(vga_form* form, int message, const char* kinds, ...) {
     va_start(arguments, kinds);
     vga_print_msg_va(title, gvga_messages[message], kinds, arguments);
     va_end(arguments);
-    XmString text = XmStringCreateLocalized(title);
-    XtVaSetValues(form->common.widget, XmNdialogTitle, text, nullptr);
-    XmStringFree(text);
+    vga_set_text(form->common.widget, XmNdialogTitle, title);
 }
 
 void vga_edit_fields(vga_form* form, bool editable) {

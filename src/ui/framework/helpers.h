@@ -48,6 +48,8 @@ void vga_set_window_icon(const vga_dialog* dialog, Widget shell);
 void vga_install_mnemonics(Widget top);
 
 // ---- OK, Apply, Cancel, Help ----
+// Sets a text of a widget: a label, a title. resource: its name, as XmNlabelString.
+void vga_set_text(Widget widget, const char* resource, const char* text);
 enum VGA_BUTTON { VGA_BUTTON_OK, VGA_BUTTON_CANCEL, VGA_BUTTON_HELP };
 // A button of a dialog's top widget, or null when it has none.
 Widget vga_dialog_button(Widget top, VGA_BUTTON button);

@@ -4,6 +4,7 @@
 #include "shell/messages.h"
 #include "store/records.h"
 #include "ui/framework/common_actions.h"
+#include "ui/framework/helpers.h"
 #include "ui/framework/texts.h"
 #include "ui/viewer/viewer_type.h"
 
@@ -20,22 +21,6 @@ constexpr const char* node_names[VGA_INTRO_LABEL_COUNT] = {"*shlpdNodeLabel1", "
 constexpr const char* client_server_names[VGA_INTRO_LABEL_COUNT] = {
     "*shlpdCSLabel1", "*shlpdCSLabel2", "*shlpdCSLabel3", "*shlpdCSLabel4"};
 
-void set_label(Widget widget, const char* text) {
-    XmString label = XmStringCreateLocalized(const_cast<char*>(text));
-    XtVaSetValues(widget, XmNlabelString, label, nullptr);
-    XmStringFree(label);
-}
-
-vga_dialog* open_about_box() {
-    vga_dialog* found = nullptr;
-    vga_for_each_open_dialog([&](vga_dialog* dialog) {
-        if (dialog->dialog_id == VGA_UID_ABOUT_BOX) {
-            found = dialog;
-        }
-    });
-    return found;
-}
-
 } // namespace
 
 bool vga_get_widgets_about(vga_dialog* dialog) {
@@ -46,13 +31,13 @@ bool vga_get_widgets_about(vga_dialog* dialog) {
     if (about->ok == nullptr || about->version == nullptr || about->icon == nullptr) {
         return false;
     }
-    set_label(about->ok, gvga_messages[VGA_TEXT_OK]);
+    vga_set_text(about->ok, XmNlabelString, gvga_messages[VGA_TEXT_OK]);
     vga_put_widget_pixmap(about->icon, VGA_ICON_V5);
     char name[VGA_MESSAGE_BUFFER_SIZE];
     char version[2 * VGA_MESSAGE_BUFFER_SIZE];
     std::snprintf(name, sizeof name, "%s (64 bit)", gvga_messages[product_name]);
     std::snprintf(version, sizeof version, version_stamp, name);
-    set_label(about->version, version);
+    vga_set_text(about->version, XmNlabelString, version);
     XtVaSetValues(dialog->widget, XmNcancelButton, about->ok, XmNdefaultButton, about->ok,
                   XmNinitialFocus, about->ok, nullptr);
     XtRemoveAllCallbacks(dialog->widget, XmNhelpCallback);
@@ -61,7 +46,7 @@ bool vga_get_widgets_about(vga_dialog* dialog) {
 }
 
 void vga_display_about_box(vga_dialog* parent) {
-    vga_dialog* about = open_about_box();
+    vga_dialog* about = vga_open_instance(VGA_UID_ABOUT_BOX);
     if (about != nullptr) {
         vga_raise_dialog(about);
     } else if (vga_get_dialog(VGA_UID_ABOUT_BOX, parent, nullptr, &about)) {

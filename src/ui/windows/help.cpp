@@ -6,6 +6,7 @@
 #include "shell/messages.h"
 #include "ui/framework/common_actions.h"
 #include "ui/framework/dialog.h"
+#include "ui/framework/helpers.h"
 #include "ui/framework/texts.h"
 #include "ui/windows/about.h"
 
@@ -78,15 +79,6 @@ void place(Widget help, Widget shell) {
                   static_cast<Position>(std::max(0, std::min<int>(y, lowest))), nullptr);
 }
 
-void set_label(Widget button, int message) {
-    if (button == nullptr) {
-        return;
-    }
-    XmString label = XmStringCreateLocalized(const_cast<char*>(gvga_messages[message]));
-    XtVaSetValues(button, XmNlabelString, label, nullptr);
-    XmStringFree(label);
-}
-
 void dress_quick_dialog(Widget help) {
     constexpr struct {
         unsigned char child;
@@ -98,7 +90,9 @@ void dress_quick_dialog(Widget help) {
         {DtHELP_QUICK_CLOSE_BUTTON, VGA_TEXT_CLOSE},
     };
     for (const auto& each : labels) {
-        set_label(DtHelpQuickDialogGetChild(help, each.child), each.label);
+        if (Widget button = DtHelpQuickDialogGetChild(help, each.child)) {
+            vga_set_text(button, XmNlabelString, gvga_messages[each.label]);
+        }
     }
     if (Widget button = DtHelpQuickDialogGetChild(help, DtHELP_QUICK_HELP_BUTTON)) {
         XtUnmanageChild(button);
