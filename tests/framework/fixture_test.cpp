@@ -1,5 +1,6 @@
 #include "framework/fixture.h"
 
+#include "kit/pointer.h"
 #include "shell/globals.h"
 #include "shell/messages.h"
 #include "shell/uid_file.h"
@@ -108,16 +109,6 @@ void open_toolkit() {
     open_forms();
 }
 
-XPoint middle_of(Widget widget) {
-    Dimension width = 0;
-    Dimension height = 0;
-    Position x = 0;
-    Position y = 0;
-    XtVaGetValues(widget, XmNwidth, &width, XmNheight, &height, nullptr);
-    XtTranslateCoords(widget, 0, 0, &x, &y);
-    return {static_cast<short>(x + width / 2), static_cast<short>(y + height / 2)};
-}
-
 } // namespace
 
 const std::array<VGA_UID_DESC, VGA_UID_MAX + 1> gvga_uid_desc = make_table();
@@ -198,8 +189,7 @@ vga_dialog* FrameworkTest::show(NB_USHORT id, vga_dialog* parent) {
 }
 
 void FrameworkTest::move_to(Widget widget) {
-    const XPoint point = middle_of(widget);
-    XTestFakeMotionEvent(gvga_display, -1, point.x, point.y, CurrentTime);
+    EXPECT_TRUE(wait([widget] { return kit::point_at(widget); })) << XtName(widget);
     settle();
 }
 

@@ -1,6 +1,7 @@
 #include "framework/fixture.h"
 
 #include "common/alloc.h"
+#include "kit/pointer.h"
 #include "nof/opcodes.h"
 #include "shell/globals.h"
 #include "shell/messages.h"
@@ -32,10 +33,10 @@ protected:
                                    text);
         settle();
     }
-    // Without a window manager the keyboard follows the pointer.
     void key(KeySym symbol) {
         if (main_window->modal_dlg.open) {
-            move_to(main_window->modal_dlg.dialog);
+            const Window box = XtWindow(main_window->modal_dlg.shell);
+            EXPECT_TRUE(wait([box] { return kit::focus_window() == box; }));
         }
         FrameworkTest::key(symbol);
     }

@@ -2,6 +2,7 @@
 
 #include "kit/console.h"
 
+#include "kit/pointer.h"
 #include "shell/graphics.h"
 #include "shell/messages.h"
 #include "ui/framework/dialog.h"
@@ -137,7 +138,7 @@ bool CONSOLE::wait_built() {
 bool CONSOLE::wait_idle() {
     int quiet = 0;
     return wait([&] {
-        XSync(gvga_display, False);
+        note_windows(); // and synchronizes
         const bool busy = XtAppPending(gvga_appcontext) != 0 || !nba_q_empty(&gvga_nof_queue) ||
                           !nba_q_empty(&gvga_immediate_nof_queue);
         quiet = busy ? 0 : quiet + 1;
@@ -158,30 +159,7 @@ Widget CONSOLE::widget(const std::string& name) {
 // Follows the widget until the pointer is in it: the window manager may not have placed and mapped
 // its window yet.
 void CONSOLE::move_to(Widget widget, int x, int y) {
-    for (; !XtIsWidget(widget); widget = XtParent(widget)) { // a gadget lies in its parent's window
-        Position left, top;
-        XtVaGetValues(widget, XmNx, &left, XmNy, &top, nullptr);
-        x += left;
-        y += top;
-    }
-    const Window root = DefaultRootWindow(gvga_display);
-    wait(
-        [&] {
-            if (!XtIsRealized(widget)) {
-                return false;
-            }
-            int root_x, root_y, ignored;
-            Window below;
-            XTranslateCoordinates(gvga_display, XtWindow(widget), root, x, y, &root_x, &root_y,
-                                  &below);
-            XTestFakeMotionEvent(gvga_display, -1, root_x, root_y, CurrentTime);
-            for (below = root; below != None && below != XtWindow(widget);) {
-                XTranslateCoordinates(gvga_display, root, below, root_x, root_y, &ignored, &ignored,
-                                      &below);
-            }
-            return below == XtWindow(widget);
-        },
-        5000);
+    wait([&] { return point_at(widget, x, y); }, 5000);
 }
 
 void CONSOLE::press(Widget widget, int x, int y) {
@@ -231,7 +209,36 @@ void CONSOLE::click(Widget widget) {
     click(widget, width / 2, height / 2);
 }
 
+// The window manager gives the keyboard to a new window in its own time, and back when one goes.
+void CONSOLE::note_windows() {
+    std::set<Window> windows;
+    each_dialog([&](const vga_dialog& dialog) {
+        for (Widget shell : {dialog.shell, dialog.modal_dlg.open ? dialog.modal_dlg.shell : nullptr}) {
+            if (shell != nullptr && XtIsRealized(shell)) {
+                windows.insert(XtWindow(shell));
+            }
+        }
+    });
+    std::erase_if(new_windows_, [&](Window window) { return !windows.contains(window); });
+    std::ranges::set_difference(windows, windows_, std::inserter(new_windows_, new_windows_.end()));
+    windows_ = std::move(windows);
+    if (new_windows_.contains(focus_window())) {
+        new_windows_.clear();
+    }
+}
+
+bool CONSOLE::wait_keyboard() {
+    return wait(
+        [this] {
+            note_windows();
+            return new_windows_.empty() &&
+                   XtWindowToWidget(gvga_display, focus_window()) != nullptr;
+        },
+        5000);
+}
+
 void CONSOLE::strike(KeySym key, unsigned modifiers) {
+    EXPECT_TRUE(wait_keyboard());
     modify(modifiers, true);
     const KeyCode code = XKeysymToKeycode(gvga_display, key);
     XTestFakeKeyEvent(gvga_display, code, True, CurrentTime);
@@ -283,13 +290,6 @@ std::string CONSOLE::message() {
     return result;
 }
 
-Window CONSOLE::focus_window() {
-    Window window = None;
-    int revert = 0;
-    XGetInputFocus(gvga_display, &window, &revert);
-    return window;
-}
-
 bool CONSOLE::answer(const std::string& button) {
     const vga_dialog* dialog = dialog_with_box();
     Widget child = dialog != nullptr
@@ -298,9 +298,7 @@ bool CONSOLE::answer(const std::string& button) {
     if (child == nullptr || !XtIsManaged(child)) {
         return false;
     }
-    // The window manager gives the keyboard to the box once it has placed it.
-    const Window box = XtWindow(dialog->modal_dlg.shell);
-    wait([box] { return focus_window() == box; }, 2000);
+    wait_keyboard();
     wait_idle();
     click(child);
     return true;

@@ -11,6 +11,7 @@
 #include <X11/keysym.h>
 
 #include <functional>
+#include <set>
 
 namespace kit {
 
@@ -39,6 +40,7 @@ public:
     void click(Widget widget); // its middle
     void press(Widget widget, int x, int y);
     void release();
+    // A key, when the window manager has given the keyboard to the newest window.
     void key(KeySym key, unsigned modifiers = 0);
     // A key without waiting until the program has dealt with it, which it cannot while the node
     // holds a verb.
@@ -49,8 +51,6 @@ public:
     // Clicks a row whose text contains a part.
     bool click_row(vga_viewer_root& root, const std::string& part, unsigned modifiers = 0,
                    int count = 1);
-    // The window that has the keyboard.
-    static Window focus_window();
     // The text of the message box that shows, or "".
     static std::string message();
     // Answers the message box: "OK", "Cancel", "confirmOKToAllButton", "confirmNoButton".
@@ -59,6 +59,10 @@ public:
 private:
     void modify(unsigned modifiers, bool down);
     void move_to(Widget widget, int x, int y);
+    void note_windows();
+    bool wait_keyboard();
+    std::set<Window> windows_;     // of the dialogs and boxes, when last looked at
+    std::set<Window> new_windows_; // those of which none has had the keyboard yet
     VGA_RUN run_{};
     std::vector<std::string> arguments_;
     bool started_ = false;
