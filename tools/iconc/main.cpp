@@ -22,6 +22,7 @@
 #include <iostream>
 #include <iterator>
 #include <limits>
+#include <ranges>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -63,6 +64,7 @@ constexpr FORM forms[] = {{"_icon", &INK::on_light, light_ground, "background co
 
 constexpr std::array blends{1.0, 0.66, 0.33};
 constexpr int least_distance = 1200; // of a blend from the ground, to be worth a colour
+constexpr std::size_t most_colours = 6; // of an icon
 constexpr std::string_view letters = "abcdefghijklmnopqrstuvwxyzABCDEFGHIJKLMNOPQRSTUVWXYZ";
 static_assert(std::size(inks) * blends.size() <= letters.size());
 
@@ -137,63 +139,103 @@ COLOUR over(std::uint32_t pixel, COLOUR ground) {
     return {channel(16, ground.r), channel(8, ground.g), channel(0, ground.b)};
 }
 
-// The letter of the palette colour nearest to a pixel. Both forms use the same letters: only the
-// colour tables differ.
-char letter(std::uint32_t pixel) {
+// A colour of the palette, in each form. Both forms use the same letters: only the colour tables
+// differ.
+struct SHADE {
+    char letter;
+    COLOUR colours[std::size(forms)];
+};
+
+const std::vector<SHADE> palette = [] {
+    std::vector<SHADE> shades{{' ', {light_ground, dark_ground}}};
+    std::size_t index = 0;
+    for (const INK& ink : inks) {
+        for (const double blend : blends) {
+            SHADE shade{letters[index++], {}};
+            for (std::size_t i = 0; i < std::size(forms); ++i) {
+                shade.colours[i] = mix(ink.*forms[i].ink, forms[i].ground, blend);
+            }
+            if (blend == 1 || distance(shade.colours[0], light_ground) >= least_distance) {
+                shades.push_back(shade);
+            }
+        }
+    }
+    return shades;
+}();
+
+char nearest_letter(std::uint32_t pixel) {
     if (alpha(pixel) < 24) {
         return ' ';
     }
     const COLOUR seen = over(pixel, light_ground);
-    char best = ' ';
-    int best_distance = distance(seen, light_ground);
-    std::size_t index = 0;
-    for (const INK& ink : inks) {
-        for (const double blend : blends) {
-            const COLOUR colour = mix(ink.on_light, light_ground, blend);
-            const bool faint = blend < 1 && distance(colour, light_ground) < least_distance;
-            const int d = distance(seen, colour);
-            if (d < best_distance && !faint) {
-                best_distance = d;
-                best = letters[index];
-            }
-            ++index;
-        }
-    }
-    return best;
+    return std::ranges::min_element(palette, {}, [&](const SHADE& shade) {
+               return distance(seen, shade.colours[0]);
+           })->letter;
 }
 
-// The colour table of one image, with the letters it uses only: the X server is asked for each
-// colour of each table when the icons are loaded.
-void write_colours(std::ostream& out, const std::string& name, const FORM& form,
-                   std::string_view used) {
-    out << "value\n    " << name << ": color_table(" << form.ground_name << " = ' '";
-    std::size_t index = 0;
-    for (const INK& ink : inks) {
-        for (const double blend : blends) {
-            const char sign = letters[index++];
-            if (used.find(sign) == std::string_view::npos) {
-                continue;
+// How much worse an image looks when a shade takes another's place in so many pixels.
+long loss(const SHADE& shade, const SHADE& other, long pixels) {
+    long sum = 0;
+    for (std::size_t i = 0; i < std::size(forms); ++i) {
+        sum += distance(shade.colours[i], other.colours[i]);
+    }
+    return sum * pixels;
+}
+
+// The image in letters of the palette, with most_colours of them beside the ground: the X server is
+// asked for each colour of each table when the icons are loaded. What shows least goes first.
+std::string draw(const IMAGE& image) {
+    std::string picture;
+    std::ranges::transform(image.argb, std::back_inserter(picture), nearest_letter);
+    for (;;) {
+        std::vector<const SHADE*> used{&palette.front()}; // the ground may be taken instead
+        for (const SHADE& shade : palette | std::views::drop(1)) {
+            if (picture.find(shade.letter) != std::string::npos) {
+                used.push_back(&shade);
             }
-            const COLOUR c = mix(ink.*form.ink, form.ground, blend);
+        }
+        if (used.size() <= most_colours + 1) {
+            return picture;
+        }
+        long least = std::numeric_limits<long>::max();
+        char from = ' ';
+        char to = ' ';
+        for (const SHADE* shade : used | std::views::drop(1)) {
+            const long pixels = std::ranges::count(picture, shade->letter);
+            for (const SHADE* other : used) {
+                const long lost = loss(*shade, *other, pixels);
+                if (other != shade && lost < least) {
+                    least = lost;
+                    from = shade->letter;
+                    to = other->letter;
+                }
+            }
+        }
+        std::ranges::replace(picture, from, to);
+    }
+}
+
+// The colour table of a picture in one form.
+void write_colours(std::ostream& out, const std::string& name, std::size_t form,
+                   std::string_view picture) {
+    out << "value\n    " << name << ": color_table(" << forms[form].ground_name << " = ' '";
+    for (const SHADE& shade : palette | std::views::drop(1)) {
+        if (picture.find(shade.letter) != std::string_view::npos) {
+            const COLOUR& c = shade.colours[form];
             char text[64];
             std::snprintf(text, sizeof text, ",\n        color('#%02X%02X%02X') = '%c'", c.r, c.g,
-                          c.b, sign);
+                          c.b, shade.letter);
             out << text;
         }
     }
     out << ");\n";
 }
 
-template <typename PIXEL>
 void write_icon(std::ostream& out, const std::string& name, const std::string& colours,
-                const IMAGE& image, PIXEL pixel) {
+                std::string_view picture, int width) {
     out << "value\n    " << name << ": exported icon(color_table = " << colours;
-    for (int y = 0; y < image.height; ++y) {
-        out << ",\n        '";
-        for (int x = 0; x < image.width; ++x) {
-            out << pixel(image.argb[static_cast<std::size_t>(y * image.width + x)]);
-        }
-        out << '\'';
+    for (std::size_t i = 0; i < picture.size(); i += static_cast<std::size_t>(width)) {
+        out << ",\n        '" << picture.substr(i, static_cast<std::size_t>(width)) << '\'';
     }
     out << ");\n";
 }
@@ -242,18 +284,19 @@ int main(int argc, char** argv) {
         const IMAGE image = rasterise(file, unit);
         const std::string name = std::filesystem::path(file).stem().string() + suffix;
         if (bitmap) {
-            write_icon(out, name + "_icon", "two_colours", image, [](std::uint32_t p) {
-                return alpha(p) >= 128 && over(p, light_ground).g < 128 ? '*' : ' ';
-            });
-            write_icon(out, name + "m_icon", "two_colours", image,
-                       [](std::uint32_t p) { return alpha(p) >= 128 ? '*' : ' '; });
+            std::string picture, mask;
+            for (const std::uint32_t pixel : image.argb) {
+                mask += alpha(pixel) >= 128 ? '*' : ' ';
+                picture += mask.back() == '*' && over(pixel, light_ground).g < 128 ? '*' : ' ';
+            }
+            write_icon(out, name + "_icon", "two_colours", picture, image.width);
+            write_icon(out, name + "m_icon", "two_colours", mask, image.width);
         } else {
-            std::string used;
-            std::ranges::transform(image.argb, std::back_inserter(used), letter);
-            for (const FORM& form : forms) {
-                const std::string literal = name + form.ending;
-                write_colours(out, literal + "_colours", form, used);
-                write_icon(out, literal, literal + "_colours", image, letter);
+            const std::string picture = draw(image);
+            for (std::size_t i = 0; i < std::size(forms); ++i) {
+                const std::string literal = name + forms[i].ending;
+                write_colours(out, literal + "_colours", i, picture);
+                write_icon(out, literal, literal + "_colours", picture, image.width);
             }
         }
     }
