@@ -166,13 +166,7 @@ ControlAnswer kill_node(Service& service, Connection&, const Words& words) {
         return usage("kill-node NAME");
     }
     node->gone = true;
-    for_each_operator(service, [&](Connection& connection) {
-        for (const auto& [handle, target] : connection.op.targets) {
-            if (target.node == node) {
-                send_status(connection, NAP_TARGET_GONE, handle);
-            }
-        }
-    });
+    take_handles(service, true, [node](const Target& target) { return target.node == node; });
     if (service.world.domain.client_server) { // also who has not connected to it yet learns of it
         indicate_server(service.world, *node, false);
     }
@@ -189,26 +183,17 @@ ControlAnswer revive_node(Service& service, Connection&, const Words& words) {
 }
 
 ControlAnswer lose_file(Service& service, Connection&, const Words& words) {
-    static constexpr std::pair<std::string_view, TargetKind> files[] = {
-        {"configuration", TargetKind::configuration_file},
-        {"network", TargetKind::network_file},
-    };
-    for (const auto& [name, kind] : files) {
-        if (words.size() != 2 || words[1] != name) {
-            continue;
-        }
-        for_each_operator(service, [&, kind = kind](Connection& connection) {
-            std::erase_if(connection.op.targets, [&](const auto& target) {
-                if (target.second.kind != kind) {
-                    return false;
-                }
-                send_status(connection, NAP_TARGET_GONE, target.first);
-                return true;
-            });
-        });
-        return {};
+    const bool network = words.size() == 2 && words[1] == "network";
+    if (!network && (words.size() != 2 || words[1] != "configuration")) {
+        return usage("lose-file configuration|network");
     }
-    return usage("lose-file configuration|network");
+    const TargetKind kind = network ? TargetKind::network_file : TargetKind::configuration_file;
+    if (network) { // it has an indication of its own
+        indicate_network_file(service.world);
+        send_events(service);
+    }
+    take_handles(service, !network, [kind](const Target& target) { return target.kind == kind; });
+    return {};
 }
 
 ControlAnswer stop_software(Service& service, Connection&, const Words&) {
@@ -330,6 +315,7 @@ constexpr Command commands[] = {
     {"state", "KIND NAME STATE", "change a state and indicate it", set_state},
     {"use", "LU program|user|client NAME | none", "an application takes an LU, or lets go of it",
      use_lu},
+    {"call-in", "PORT CP", "a remote node comes in with a link station of its own", call_in},
     {"session", "LU PARTNER MODE COUNT [CP]", "sets a number of LU-LU sessions", change_sessions},
     {"flood", "[PER_SECOND SECONDS]", "so many changes of state, or how many there were",
      flood_operators},

@@ -119,21 +119,6 @@ ControlAnswer show_resource(Service& service, Connection&, const Words& words) {
 
 namespace {
 
-struct ManagedKind {
-    Kind kind;
-    NB_USHORT start;
-    NB_USHORT start_name; // offset of the name
-    NB_USHORT stop;
-    NB_USHORT stop_name;
-};
-
-constexpr ManagedKind managed_kinds[] = {
-    {Kind::dlc, NAP_START_DLC, 12, NAP_STOP_DLC, 13},
-    {Kind::port, NAP_START_PORT, 12, NAP_STOP_PORT, 13},
-    {Kind::ls, NAP_START_LS, 12, NAP_STOP_LS, 13},
-    {Kind::dlur_pu, NAP_START_INTERNAL_PU, 12, NAP_STOP_INTERNAL_PU, 12},
-};
-
 ControlAnswer manage(Service& service, const Words& words, bool start) {
     if (words.size() >= 2 && words.size() <= 3 && words[1] == "node") {
         const Place place = place_of(service, words.size() == 3 ? words[2] + ":" : "", nullptr);
@@ -167,7 +152,8 @@ bool set_ls_state(World& world, Node& node, Record& ls, const std::string& state
     if (state == "active") {
         activate_ls(world, node, ls);
     } else if (state == "inactive" || state == "failed" || state == "disabled") {
-        deactivate_ls(world, node, ls, state == "failed", state == "disabled");
+        deactivate_ls(world, node, ls, state == "failed",
+                      state == "disabled" ? NOF_LS_ON_DEMAND : 0);
     } else if (state == "starting" || state == "stopping") {
         ls.as<LS_ENTRY>().det.state =
             state == "starting" ? NOF_STATE_START_PENDING : NOF_STATE_STOP_PENDING;
@@ -206,12 +192,13 @@ bool set_lu_state(World& world, Node& node, Kind kind, Record& lu, const std::st
         return false;
     }
     const NB_BYTE active = state != "inactive";
+    if (kind == Kind::downstream_lu) {
+        set_downstream_lu(world, node, lu, active, session);
+        return true;
+    }
     if (kind == Kind::lu_0_to_3) {
         lu.as<LU03_ENTRY>().det_data.lu_active = active;
         lu.as<LU03_ENTRY>().det_data.plu_session_active = session;
-    } else if (kind == Kind::downstream_lu) {
-        lu.as<DOWN_LU_ENTRY>().lu_active = active;
-        lu.as<DOWN_LU_ENTRY>().plu_session_active = session;
     } else {
         if (!session) {
             end_sessions_of(world, node, lu);
@@ -237,7 +224,7 @@ bool set_simple_state(World& world, Node& node, const KindRow& row, Record& reco
     if (row.kind == Kind::port && record.as<PORT_ENTRY>().state != NOF_STATE_ACTIVE) {
         for (Record* ls : children(node.of(Kind::ls), record.key)) { // they go with their port
             if (ls->as<LS_ENTRY>().det.state != NOF_STATE_INACTIVE) {
-                deactivate_ls(world, node, *ls, false, false);
+                deactivate_ls(world, node, *ls);
             }
         }
     }
@@ -344,6 +331,27 @@ ControlAnswer use_lu(Service& service, Connection&, const Words& words) {
     return usage("use LU program|user|client NAME | none");
 }
 
+ControlAnswer call_in(Service& service, Connection&, const Words& words) {
+    if (words.size() != 3) {
+        return usage("call-in PORT CP");
+    }
+    const Place place = place_of(service, words[1], nullptr);
+    const Record* port = place.node != nullptr
+                             ? record_named(*place.node, kind_row(Kind::port), place.name)
+                             : nullptr;
+    if (port == nullptr) {
+        return failed("no such port: " + words[1]);
+    }
+    if (port->as<PORT_ENTRY>().state != NOF_STATE_ACTIVE) {
+        return failed("the port is not active: " + words[1]);
+    }
+    NB_FQNAME cp;
+    put_ebcdic(cp, sizeof cp, words[2]);
+    accept_link(service.world, *place.node, *port, cp);
+    service.world.changed = true;
+    return {};
+}
+
 ControlAnswer change_sessions(Service& service, Connection&, const Words& words) {
     unsigned long count = 0;
     if (words.size() < 5 || words.size() > 6 || !parse_number(words[4], count) || count > 0xFFFF) {
@@ -381,6 +389,9 @@ ControlAnswer change_server(Service& service, Connection&, const Words& words) {
         return failed("no such node: " + words[1]);
     }
     node->gone = words[2] == "down";
+    if (node->gone) {
+        take_handles(service, false, [node](const Target& target) { return target.node == node; });
+    }
     indicate_server(service.world, *node, !node->gone);
     return {};
 }

@@ -33,6 +33,7 @@ ControlAnswer start_resource(Service& service, Connection& issuer, const Words& 
 ControlAnswer stop_resource(Service& service, Connection& issuer, const Words& words);
 ControlAnswer set_state(Service& service, Connection& issuer, const Words& words);
 ControlAnswer use_lu(Service& service, Connection& issuer, const Words& words);
+ControlAnswer call_in(Service& service, Connection& issuer, const Words& words);
 ControlAnswer change_sessions(Service& service, Connection& issuer, const Words& words);
 ControlAnswer change_server(Service& service, Connection& issuer, const Words& words);
 ControlAnswer change_master(Service& service, Connection& issuer, const Words& words);

@@ -263,8 +263,8 @@ Rc delete_lu_range(Request& request) {
 
 namespace {
 
-// The entry of a traced resource: DLCs and link stations share the types 1 and 3 of the verb, their
-// entries do not.
+// The entry of a traced resource: types 1 and 3 of the verb are those of a link station and a DLC,
+// or the reverse; in entries a DLC has 1 and a link station 3.
 Rc traced_resource(Node& node, const ADD_DLC_TRACE& verb, DLC_TRACE_ENTRY& entry) {
     static constexpr NB_BYTE dlc = 1;
     static constexpr NB_BYTE ls = 3;
@@ -279,8 +279,9 @@ Rc traced_resource(Node& node, const ADD_DLC_TRACE& verb, DLC_TRACE_ENTRY& entry
     std::memcpy(entry.name, verb.name, 8);
     if (verb.resource_type == dlc || verb.resource_type == ls) {
         const bool is_dlc = find(node.of(Kind::dlc), name) != nullptr;
-        entry.resource_type = is_dlc ? dlc : ls;
-        return is_dlc || find(node.of(Kind::ls), name) != nullptr ? Rc{} : RC_UNKNOWN_NAME;
+        const bool is_ls = find(node.of(Kind::ls), name) != nullptr;
+        entry.resource_type = is_dlc && (verb.resource_type == ls || !is_ls) ? dlc : ls;
+        return is_dlc || is_ls ? Rc{} : RC_UNKNOWN_NAME;
     }
     if (verb.resource_type > NOF_TRACE_PORT_5) {
         return RC_BAD_VALUE;

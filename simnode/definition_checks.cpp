@@ -64,9 +64,10 @@ Rc check_lu(Node& node, Kind kind, const Record& record) {
 }
 
 Rc check_local_lu(Node& node, const Record& record) {
+    const NB_NAME8L& alias = record.as<LU62_ENTRY>().def.lu_alias;
     for (const Record* lu : everything(node.of(Kind::local_lu))) {
-        if (lu->key != record.key && std::memcmp(lu->as<LU62_ENTRY>().def.lu_alias,
-                                                 record.as<LU62_ENTRY>().def.lu_alias, 8) == 0) {
+        if (lu->key != record.key && !is_blank(alias, sizeof alias) &&
+            std::memcmp(lu->as<LU62_ENTRY>().def.lu_alias, alias, sizeof alias) == 0) {
             return RC_NAME_IN_USE;
         }
     }

@@ -46,6 +46,7 @@ struct SlowVerb {
     WIRE_FRAME header;
     Bytes block;
     Clock::time_point due;
+    std::optional<Rc> outcome; // settled before its time
 };
 
 struct Faults {

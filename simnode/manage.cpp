@@ -3,8 +3,10 @@
 #include "nof/connectivity.h"
 #include "nof/lu62.h"
 #include "nof/pu_lu.h"
+#include "simnode/definition_checks.h"
 #include "simnode/indications.h"
 
+#include <cstdio>
 #include <cstring>
 
 namespace simnode {
@@ -23,7 +25,7 @@ void deactivate_port(World& world, Node& node, Record& port) {
     for (Record* ls : children(node.of(Kind::ls), port.key)) {
         const NB_BYTE state = ls->as<LS_ENTRY>().det.state;
         if (state != NOF_STATE_INACTIVE) {
-            deactivate_ls(world, node, *ls, false, false);
+            deactivate_ls(world, node, *ls);
         }
     }
     port.as<PORT_ENTRY>().state = NOF_STATE_INACTIVE;
@@ -52,6 +54,25 @@ void end_sessions_of(World& world, Node& node, const Record& lu) {
 
 namespace {
 
+// The node has not been told of the LUs of such a PU: they come and go with their host.
+bool made_by_host(Node& node, const Record& lu) {
+    const Record* pu = find_name8(node, Kind::downstream_pu, lu.as<DOWN_LU_ENTRY>().def.dspu_name);
+    return pu != nullptr && pu->as<PU_ENTRY>().host_attachment == NAP_DLUR_ATTACHED;
+}
+
+} // namespace
+
+void set_downstream_lu(World& world, Node& node, Record& lu, bool active, bool in_session) {
+    lu.as<DOWN_LU_ENTRY>().lu_active = active;
+    lu.as<DOWN_LU_ENTRY>().plu_session_active = in_session;
+    indicate_downstream_lu(world, node, lu);
+    if (!active && !in_session && made_by_host(node, lu)) {
+        remove_record(node, Kind::downstream_lu, lu);
+    }
+}
+
+namespace {
+
 // LUs below a PU follow its state: active, or inactive and without sessions.
 void set_lus(World& world, Node& node, const Record& pu, bool active) {
     for (Record* lu : children(node.of(Kind::lu_0_to_3), pu.key)) {
@@ -63,18 +84,14 @@ void set_lus(World& world, Node& node, const Record& pu, bool active) {
         }
     }
     for (Record* lu : children(node.of(Kind::downstream_lu), pu.key)) {
-        auto& entry = lu->as<DOWN_LU_ENTRY>();
-        if ((entry.lu_active != 0) != active) {
-            entry.lu_active = active;
-            entry.plu_session_active = 0;
-            indicate_downstream_lu(world, node, *lu);
+        if ((lu->as<DOWN_LU_ENTRY>().lu_active != 0) != active) {
+            set_downstream_lu(world, node, *lu, active, false);
         }
     }
     for (Record* lu : children(node.of(Kind::local_lu), pu.key)) {
         if (!active && lu->as<LU62_ENTRY>().session_status != 0) {
             end_sessions_of(world, node, *lu);
-            lu->as<LU62_ENTRY>().session_status = 0;
-            indicate_local_lu(world, node, *lu);
+            follow_sessions(world, node, lu->key);
         }
     }
 }
@@ -117,6 +134,24 @@ void activate_ls(World& world, Node& node, Record& ls) {
     }
 }
 
+void accept_link(World& world, Node& node, const Record& port, const NB_FQNAME& cp) {
+    const KindRow& row = kind_row(Kind::ls);
+    Bytes bytes(row.entry_size);
+    auto& entry = *reinterpret_cast<LS_ENTRY*>(bytes.data());
+    unsigned number = 1;
+    do {
+        char name[16];
+        std::snprintf(name, sizeof name, "@I%06u", number++ % 1'000'000);
+        put_local(entry.ls_name, sizeof entry.ls_name, name);
+    } while (find_name8(node, Kind::ls, reinterpret_cast<NB_BYTE*>(entry.ls_name)) != nullptr);
+    std::memcpy(entry.def.port_name, port.key.data(), sizeof entry.def.port_name);
+    std::memcpy(entry.def.adj_cp_name, cp, sizeof cp);
+    entry.def.adj_cp_type = NAP_END_NODE;
+    take_from_parent(node, row, bytes);
+    entry.det.implicit = NAP_YES;
+    activate_ls(world, node, store(node, row, std::move(bytes)));
+}
+
 const Record* other_link(const Node& node, const RTP_CONNECTION_ENTRY& connection) {
     const Record* found = nullptr;
     for (const Record* ls : everything(node.of(Kind::ls))) {
@@ -153,7 +188,7 @@ void reroute_connections(Node& node, const Record& ls) {
 
 } // namespace
 
-void deactivate_ls(World& world, Node& node, Record& ls, bool failed, bool disable) {
+void deactivate_ls(World& world, Node& node, Record& ls, bool failed, NB_BYTE disable) {
     auto& entry = ls.as<LS_ENTRY>();
     const bool was_active = entry.det.state == NOF_STATE_ACTIVE;
     NB_FQNAME cp;
@@ -166,11 +201,10 @@ void deactivate_ls(World& world, Node& node, Record& ls, bool failed, bool disab
     entry.det.state = failed ? NOF_STATE_FAILED : NOF_STATE_INACTIVE;
     entry.det.active_sessions = 0;
     std::memset(entry.det.adj_cp_name, 0, sizeof entry.det.adj_cp_name);
-    NB_BYTE new_state = failed ? NOF_LS_FAILED_ENABLED : NOF_LS_STOPPED;
-    if (disable) {
-        entry.det.activation_flags = 0;
-        new_state = NOF_LS_DISABLED;
-    }
+    entry.det.activation_flags &= static_cast<NB_BYTE>(~disable);
+    const NB_BYTE new_state = failed                              ? NOF_LS_FAILED_ENABLED
+                              : (disable & NOF_LS_ON_DEMAND) != 0 ? NOF_LS_DISABLED
+                                                                  : NOF_LS_STOPPED;
     const bool dynamic = entry.det.implicit == NAP_YES;
     indicate_ls(world, node, ls, new_state, dynamic);
     if (was_active) {
@@ -182,22 +216,87 @@ void deactivate_ls(World& world, Node& node, Record& ls, bool failed, bool disab
     }
 }
 
-void begin_start_of_ls(World& world, Node& node, std::span<const NB_BYTE> verb) {
-    if (verb.size() < sizeof(START_LS) || !node.active) {
+namespace {
+
+// The resource that a start verb names; null when there is none.
+Record* resource_to_start(Node& node, std::span<const NB_BYTE> verb, Kind& kind) {
+    for (const ManagedKind& managed : managed_kinds) {
+        if (vcb_header(verb.data())->opcode == managed.start &&
+            verb.size() >= managed.start_name + sizeof(NB_NAME8L)) {
+            kind = managed.kind;
+            return find_name8(node, kind, verb.data() + managed.start_name);
+        }
+    }
+    return nullptr;
+}
+
+} // namespace
+
+void begin_start(World& world, Node& node, std::span<const NB_BYTE> verb) {
+    Kind kind{};
+    Record* resource = node.active ? resource_to_start(node, verb, kind) : nullptr;
+    if (resource == nullptr) {
         return;
     }
-    const auto& start = *reinterpret_cast<const START_LS*>(verb.data());
-    Record* ls = find(node.of(Kind::ls), raw(start.ls_name, 8));
-    const Record* port = ls != nullptr ? find(node.of(Kind::port), ls->parent) : nullptr;
-    if (port == nullptr || port->as<PORT_ENTRY>().state != NOF_STATE_ACTIVE ||
-        start.activation != 0) {
+    switch (kind) {
+    case Kind::port: { // nobody is told: the indication knows up and down alone
+        const Record* dlc = find(node.of(Kind::dlc), resource->parent);
+        auto& state = resource->as<PORT_ENTRY>().state;
+        if (state == NOF_STATE_INACTIVE && dlc != nullptr &&
+            dlc->as<DLC_ENTRY>().state == NOF_STATE_ACTIVE) {
+            state = NOF_STATE_START_PENDING;
+        }
+        break;
+    }
+    case Kind::ls: {
+        const Record* port = find(node.of(Kind::port), resource->parent);
+        auto& state = resource->as<LS_ENTRY>().det.state;
+        if (verb.size() >= sizeof(START_LS) &&
+            reinterpret_cast<const START_LS*>(verb.data())->activation == 0 && port != nullptr &&
+            port->as<PORT_ENTRY>().state == NOF_STATE_ACTIVE &&
+            (state == NOF_STATE_INACTIVE || state == NOF_STATE_FAILED)) {
+            state = NOF_STATE_START_PENDING;
+            indicate_ls(world, node, *resource, NOF_LS_STARTING, false);
+        }
+        break;
+    }
+    case Kind::dlur_pu:
+        if (auto& pu = resource->as<PU_ENTRY>(); pu.dlur_status == NOF_DLUR_INACTIVE) {
+            pu.dlur_status = NOF_DLUR_STARTING; // told when it is up, as for a port
+        }
+        break;
+    default:
+        break;
+    }
+}
+
+void fail_start(World& world, Node& node, std::span<const NB_BYTE> verb) {
+    Kind kind{};
+    Record* resource = resource_to_start(node, verb, kind);
+    if (resource == nullptr) {
         return;
     }
-    auto& state = ls->as<LS_ENTRY>().det.state;
-    if (state == NOF_STATE_INACTIVE || state == NOF_STATE_FAILED) {
-        state = NOF_STATE_START_PENDING;
-        indicate_ls(world, node, *ls, NOF_LS_STARTING, false);
+    if (kind == Kind::port && resource->as<PORT_ENTRY>().state == NOF_STATE_START_PENDING) {
+        resource->as<PORT_ENTRY>().state = NOF_STATE_INACTIVE;
+    } else if (kind == Kind::ls && resource->as<LS_ENTRY>().det.state == NOF_STATE_START_PENDING) {
+        deactivate_ls(world, node, *resource);
+    } else if (kind == Kind::dlur_pu && resource->as<PU_ENTRY>().dlur_status == NOF_DLUR_STARTING) {
+        resource->as<PU_ENTRY>().dlur_status = NOF_DLUR_INACTIVE;
     }
+}
+
+bool ends_start(std::span<const NB_BYTE> stop, std::span<const NB_BYTE> start) {
+    const NB_USHORT opcode = vcb_header(stop.data())->opcode;
+    for (const ManagedKind& managed : managed_kinds) {
+        if (vcb_header(start.data())->opcode == managed.start &&
+            start.size() >= managed.start_name + sizeof(NB_NAME8L)) {
+            return opcode == NAP_STOP_NODE ||
+                   (opcode == managed.stop &&
+                    std::memcmp(stop.data() + managed.stop_name, start.data() + managed.start_name,
+                                sizeof(NB_NAME8L)) == 0);
+        }
+    }
+    return false;
 }
 
 void activate_node(World& world, Node& node) {
@@ -262,6 +361,10 @@ void deactivate_node(Node& node) {
         clear_application(detail);
     }
     for (Record* lu : everything(node.of(Kind::downstream_lu))) {
+        if (made_by_host(node, *lu)) {
+            remove_record(node, Kind::downstream_lu, *lu);
+            continue;
+        }
         lu->as<DOWN_LU_ENTRY>().lu_active = 0;
         lu->as<DOWN_LU_ENTRY>().plu_session_active = 0;
     }

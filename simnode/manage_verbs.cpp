@@ -38,14 +38,15 @@ Rc start_dlc(Request& request) {
     Node& node = *request.target.node;
     Record* dlc = find_name8(node, Kind::dlc, request.as<START_DLC>().name);
     if (dlc == nullptr) {
-        return RC_UNKNOWN_DLC;
+        return RC_UNKNOWN_NAME;
     }
     if (!node.active) {
         return RC_NODE_NOT_ACTIVE;
     }
-    if (dlc->as<DLC_ENTRY>().state != NOF_STATE_ACTIVE) {
-        activate_dlc(request.world, node, *dlc);
+    if (dlc->as<DLC_ENTRY>().state == NOF_STATE_ACTIVE) {
+        return RC_DLC_ALREADY_ACTIVE;
     }
+    activate_dlc(request.world, node, *dlc);
     return {};
 }
 
@@ -152,14 +153,13 @@ Rc start_ls(Request& request) {
 }
 
 Rc stop_ls(Request& request) {
-    static constexpr NB_BYTE disable_as_well = 3;
     const auto& verb = request.as<STOP_LS>();
     Node& node = *request.target.node;
     Record* ls = find(node.of(Kind::ls), raw(verb.ls_name, 8));
     if (ls == nullptr) {
         return RC_UNKNOWN_LS;
     }
-    deactivate_ls(request.world, node, *ls, false, verb.disable == disable_as_well);
+    deactivate_ls(request.world, node, *ls, false, verb.disable);
     return {};
 }
 
@@ -190,7 +190,8 @@ Rc stop_internal_pu(Request& request) {
     if (pu == nullptr) {
         return find_name8(node, Kind::pu, name) != nullptr ? RC_PU_NOT_DLUR : RC_UNKNOWN_NAME;
     }
-    if (pu->as<PU_ENTRY>().dlur_status != NOF_DLUR_ACTIVE) {
+    const NB_BYTE status = pu->as<PU_ENTRY>().dlur_status;
+    if (status != NOF_DLUR_ACTIVE && status != NOF_DLUR_STARTING) {
         return RC_PU_NOT_ACTIVE;
     }
     deactivate_pu(request.world, node, Kind::dlur_pu, *pu);
@@ -260,8 +261,7 @@ Rc activate_session(Request& request) {
     if (mode == nullptr) {
         return RC_SESSION_UNKNOWN_MODE;
     }
-    auto& entry = lu->as<LU62_ENTRY>();
-    if (entry.def.nau_address != 0) {
+    if (const auto& entry = lu->as<LU62_ENTRY>(); entry.def.nau_address != 0) {
         const Record* pu = find_pu(node, entry.def.pu_name);
         if (pu == nullptr || pu->as<PU_ENTRY>().state == 0) {
             return RC_SESSION_FAILED_RETRY;
@@ -277,10 +277,6 @@ Rc activate_session(Request& request) {
     owner_of(node, partner, cp);
     set_sessions(request.world, node, *lu, partner, verb.mode_name, cp,
                  static_cast<NB_USHORT>(count + 1));
-    if (entry.def.nau_address != 0) {
-        entry.session_status = 1;
-        indicate_local_lu(request.world, node, *lu);
-    }
     NB_BE32 id;
     id.set(++node.last_session_id);
     std::memcpy(verb.session_id + 4, &id, sizeof id);
@@ -309,11 +305,6 @@ Rc deactivate_session(Request& request) {
                                ? NB_USHORT{0}
                                : static_cast<NB_USHORT>(entry.act_sess_count - 1);
     set_sessions(request.world, node, *lu, partner, verb.mode_name, entry.cp_name, left);
-    if (lu->as<LU62_ENTRY>().session_status != 0 &&
-        children(node.of(Kind::mode), lu->key).empty()) {
-        lu->as<LU62_ENTRY>().session_status = 0;
-        indicate_local_lu(request.world, node, *lu);
-    }
     return {};
 }
 

@@ -1,9 +1,12 @@
 // What an operator sets up for itself: connections, files, processing mode, registrations.
+#include "simnode/definition_checks.h"
 #include "simnode/request.h"
 
+#include "nof/lu62.h"
 #include "nof/node.h"
 
 #include <algorithm>
+#include <cstring>
 
 namespace simnode {
 namespace {
@@ -95,6 +98,23 @@ Rc register_sink(Request& request) {
     return {};
 }
 
+namespace {
+
+// The control point's LU has the node's name and alias; under new ones it is another LU.
+void set_parameters(Node& node, const NODE_PARAMETERS& parameters) {
+    const std::vector<Record*> lus = everything(node.of(Kind::local_lu));
+    const auto old = std::find_if(lus.begin(), lus.end(),
+                                  [&](const Record* lu) { return is_control_point(node, *lu); });
+    node.parameters = parameters;
+    if (old != lus.end() && (!is_control_point(node, **old) ||
+                             std::memcmp((*old)->as<LU62_ENTRY>().def.lu_alias, parameters.cp_alias,
+                                         sizeof parameters.cp_alias) != 0)) {
+        remove_record(node, Kind::local_lu, **old);
+    }
+}
+
+} // namespace
+
 Rc define_node(Request& request) {
     const auto& verb = request.as<DEFINE_NODE>();
     Node* node =
@@ -110,7 +130,7 @@ Rc define_node(Request& request) {
     if (is_blank(verb.parameters.cp_name, sizeof verb.parameters.cp_name)) {
         return RC_BAD_NAME;
     }
-    node->parameters = verb.parameters;
+    set_parameters(*node, verb.parameters);
     node->configured = true;
     request.target = {TargetKind::node, node};
     add_standard_resources(*node);

@@ -11,15 +11,14 @@ struct Rc {
     bool ok() const { return primary == NAP_OK; }
 };
 
-inline constexpr NB_USHORT RC_LS_FAILURE = 0x2300;
-inline constexpr NB_USHORT RC_CANCELLED = 0x2100;
 inline constexpr NB_USHORT RC_DLUR_FAILURE = 0x1400;
 
 // Secondary codes that the console has messages for or takes for success.
 inline constexpr Rc RC_NODE_ALREADY_ACTIVE{NAP_STATE_CHECK, 0x39100000};
 inline constexpr Rc RC_NO_NODE_DEFINITION{NAP_STATE_CHECK, 0x554D};
 inline constexpr Rc RC_HANDLE_BUSY{NAP_STATE_CHECK, 0x5544};
-inline constexpr Rc RC_UNKNOWN_DLC{NAP_PARAMETER_CHECK, 0x10050000};
+inline constexpr Rc RC_DLC_ALREADY_ACTIVE{NAP_PARAMETER_CHECK, 0x10050000};
+inline constexpr Rc RC_UNKNOWN_DLC{NAP_PARAMETER_CHECK, 0x10050000}; // of a stop or a delete
 inline constexpr Rc RC_UNKNOWN_PORT{NAP_PARAMETER_CHECK, 0x0C100000};
 inline constexpr Rc RC_PORT_ALREADY_ACTIVE{NAP_STATE_CHECK, 0x10100000};
 inline constexpr Rc RC_PORT_STOPPING{NAP_STATE_CHECK, 0x11100000};
@@ -30,6 +29,7 @@ inline constexpr Rc RC_LS_ALREADY_ACTIVE{NAP_STATE_CHECK, 0xC0010000};
 inline constexpr Rc RC_LS_STOPPING{NAP_STATE_CHECK, 0x12100000};
 inline constexpr Rc RC_LS_PORT_INACTIVE{NAP_STATE_CHECK, 0x3D100000};
 inline constexpr Rc RC_LS_LIMIT_EXCEEDED{NAP_STATE_CHECK, 0x3E100000};
+inline constexpr Rc RC_START_CANCELLED{0x2100, 0x13100000};
 inline constexpr Rc RC_PU_ALREADY_ACTIVE{NAP_STATE_CHECK, 0x05900000};
 inline constexpr Rc RC_PU_NOT_ACTIVE{NAP_STATE_CHECK, 0x06900000};
 inline constexpr Rc RC_PU_NOT_DLUR{NAP_STATE_CHECK, 0x55100000};

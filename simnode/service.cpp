@@ -136,11 +136,23 @@ void copy_to_others(Service& service, const Request& request, Effect effect) {
     });
 }
 
+// Starts that are still under way end with the stop of what they start.
+void cancel_starts(Service& service, const Request& stop) {
+    for (SlowVerb& verb : service.faults.slow) {
+        if (verb.target.node != nullptr && verb.target.node == stop.target.node &&
+            ends_start(stop.block, verb.block)) {
+            verb.outcome = RC_START_CANCELLED;
+            verb.due = Clock::now();
+        }
+    }
+}
+
 // Carries out a verb and tells whoever has to know, its issuer excepted. answer: sends the
-// issuer's.
-template <typename Answer> Rc perform(Service& service, Request& request, Answer answer) {
+// issuer's. outcome: return codes with which it fails without being carried out.
+template <typename Answer>
+Rc perform(Service& service, Request& request, Answer answer, std::optional<Rc> outcome = {}) {
     const NB_USHORT opcode = vcb_header(request.block.data())->opcode;
-    const std::optional<Rc> failure = next_failure(service.faults, opcode);
+    const std::optional<Rc> failure = outcome ? outcome : next_failure(service.faults, opcode);
     Rc rc;
     if (failure) {
         rc = *failure;
@@ -154,12 +166,14 @@ template <typename Answer> Rc perform(Service& service, Request& request, Answer
     const VerbRow* row = find_verb(opcode);
     if (rc.ok() && !failure && row != nullptr && row->effect >= Effect::changes) {
         copy_to_others(service, request, row->effect);
+        cancel_starts(service, request);
     }
     send_events(service);
     return rc;
 }
 
-void carry_out_request(Service& service, Connection& connection, const Frame& frame) {
+Rc carry_out_request(Service& service, Connection& connection, const Frame& frame,
+                     std::optional<Rc> outcome = {}) {
     Bytes buffer;
     const NB_ULONG capacity = std::min(frame.header.buffer_capacity, WIRE_MAX_BUFFER);
     Request request{service.world,
@@ -171,7 +185,7 @@ void carry_out_request(Service& service, Connection& connection, const Frame& fr
                     capacity,
                     buffer};
     const NB_USHORT opcode = vcb_header(frame.block.data())->opcode;
-    perform(service, request, [&] {
+    const auto answer = [&] {
         WIRE_FRAME header = frame.header;
         header.kind = WIRE_ANSWER;
         header.buffer_capacity = 0;
@@ -183,7 +197,8 @@ void carry_out_request(Service& service, Connection& connection, const Frame& fr
         } else {
             queue_answer(service.faults, connection, header, block, buffer);
         }
-    });
+    };
+    return perform(service, request, answer, outcome);
 }
 
 // How long a verb takes before anything comes of it.
@@ -201,23 +216,45 @@ std::chrono::milliseconds duration_of(const Service& service, const Connection& 
     return rule == service.faults.durations.end() ? std::chrono::milliseconds{} : rule->second;
 }
 
+bool starts_or_stops_node(std::span<const NB_BYTE> block) {
+    const NB_USHORT opcode = vcb_header(block.data())->opcode;
+    return opcode == NAP_INIT_NODE || opcode == NAP_STOP_NODE;
+}
+
+// A node finishes starting before it stops, and the reverse.
+Clock::time_point earliest_begin(const Service& service, const Node* node, const Frame& frame,
+                                 Clock::time_point begin) {
+    for (const SlowVerb& verb : service.faults.slow) {
+        if (node != nullptr && verb.target.node == node && starts_or_stops_node(frame.block) &&
+            starts_or_stops_node(verb.block)) {
+            begin = std::max(begin, verb.due);
+        }
+    }
+    return begin;
+}
+
 void serve_request(Service& service, Connection& connection, const Frame& frame) {
     if (frame.block.size() < sizeof(VCB_HEADER) || !frame.buffer.empty()) {
         connection.broken = true;
         return;
     }
-    const auto duration = duration_of(service, connection, frame);
-    if (duration.count() == 0) {
-        return carry_out_request(service, connection, frame);
+    const Target target = target_of(connection.op, frame.header.target);
+    const auto now = Clock::now();
+    const auto due =
+        earliest_begin(service, target.node, frame, now) + duration_of(service, connection, frame);
+    if (due <= now) {
+        carry_out_request(service, connection, frame);
+        return;
     }
     ++connection.op.outstanding[frame.header.target];
-    service.faults.slow.push_back({connection.op.id, target_of(connection.op, frame.header.target),
-                                   frame.header, Bytes(frame.block.begin(), frame.block.end()),
-                                   Clock::now() + duration});
-    Node* node = target_of(connection.op, frame.header.target).node;
-    if (node != nullptr && vcb_header(frame.block.data())->opcode == NAP_START_LS &&
-        !connection.op.read_only) {
-        begin_start_of_ls(service.world, *node, frame.block);
+    service.faults.slow.push_back({connection.op.id,
+                                   target,
+                                   frame.header,
+                                   Bytes(frame.block.begin(), frame.block.end()),
+                                   due,
+                                   {}});
+    if (target.node != nullptr && !connection.op.read_only) {
+        begin_start(service.world, *target.node, frame.block);
         send_events(service);
     }
 }
@@ -234,17 +271,23 @@ void finish_slow_verbs(Service& service) {
         return true;
     });
     for (SlowVerb& verb : due) {
+        Rc rc;
         if (Connection* connection = connection_of(service, verb.operator_id)) {
             --connection->op.outstanding[verb.header.target];
             Frame frame;
             frame.header = verb.header;
             frame.block = verb.block;
-            carry_out_request(service, *connection, frame);
+            rc = carry_out_request(service, *connection, frame, verb.outcome);
         } else {
             Bytes buffer;
             Request request{service.world, service.script, 0, 0,
                             verb.target,   verb.block,     0, buffer};
-            perform(service, request, [] {});
+            rc = perform(
+                service, request, [] {}, verb.outcome);
+        }
+        if (!rc.ok() && verb.target.node != nullptr) {
+            fail_start(service.world, *verb.target.node, verb.block);
+            send_events(service);
         }
     }
 }
@@ -473,6 +516,19 @@ void send_status(Connection& connection, NB_ULONG status, NB_HANDLE handle) {
         sink.correlator = connection.op.sinks.front().correlator;
     }
     indicate_to(connection, sink, {reinterpret_cast<const NB_BYTE*>(&block), sizeof block});
+}
+
+void take_handles(Service& service, bool tell, const std::function<bool(const Target&)>& lost) {
+    for (const auto& [fd, connection] : service.connections) {
+        Operator& op = connection->op;
+        for (const auto& [handle, target] : op.targets) {
+            if (tell && lost(target)) {
+                send_status(*connection, NAP_TARGET_GONE, handle);
+            }
+        }
+        std::erase_if(op.sinks, [&](const Sink& sink) { return lost(target_of(op, sink.handle)); });
+        std::erase_if(op.targets, [&](const auto& item) { return lost(item.second); });
+    }
 }
 
 void release_answers(Service& service, NB_USHORT opcode) {

@@ -5,6 +5,8 @@
 #include "simnode/flood.h"
 #include "simnode/journal.h"
 
+#include <functional>
+
 namespace simnode {
 
 struct Service {
@@ -57,6 +59,9 @@ void send_events(Service& service);
 // Sends the node software status indication for one of an operator's handles (0: of no particular
 // one).
 void send_status(Connection& connection, NB_ULONG status, NB_HANDLE handle);
+// Takes the handles of what is lost from all operators, with the registrations there. tell: with a
+// status indication for each.
+void take_handles(Service& service, bool tell, const std::function<bool(const Target&)>& lost);
 // Sends answers that are due.
 void send_late_answers(Service& service);
 // Ends the hold on a verb and sends its answers, whether due or not; opcode 0: of all verbs.
