@@ -9,7 +9,7 @@ namespace {
 // Shows a window of the whole domain: the one that is open, or a new one.
 void show_domain_window(NB_USHORT dialog_id) {
     if (vga_dialog* dialog = vga_open_instance(dialog_id)) {
-        vga_raise_dialog(dialog);
+        vga_go_to_dialog(dialog);
         return;
     }
     vga_open_dialog(dialog_id, gvga_main_dialog, gvga_system, VGA_OPEN_ADD);

@@ -299,9 +299,24 @@ void vga_raise_dialog(vga_dialog* dialog) {
     }
 }
 
+void vga_go_to_dialog(vga_dialog* dialog) {
+    vga_raise_dialog(dialog);
+    if (!is_shown(dialog)) {
+        return;
+    }
+    Display* display = XtDisplay(dialog->shell);
+    const Window window = XtWindow(dialog->shell);
+    XWindowAttributes attributes;
+    // The window manager gives an icon that it opens the keyboard itself.
+    if (XGetWindowAttributes(display, window, &attributes) != 0 &&
+        attributes.map_state == IsViewable) {
+        XSetInputFocus(display, window, RevertToParent, XtLastTimestampProcessed(display));
+    }
+}
+
 void vga_raise_sys_window(Widget, XtPointer, XtPointer) {
     if (gvga_main_dialog != nullptr) {
-        vga_raise_dialog(gvga_main_dialog);
+        vga_go_to_dialog(gvga_main_dialog);
     }
 }
 

@@ -37,6 +37,8 @@ bool vga_get_dialog(NB_USHORT dialog_id, vga_dialog* parent, void* parent_item,
 void vga_display_dialog(vga_dialog* dialog);
 // With the windows it belongs to.
 void vga_raise_dialog(vga_dialog* dialog);
+// Raises a dialog that the operator asks for, and gives it the keyboard as well.
+void vga_go_to_dialog(vga_dialog* dialog);
 void vga_raise_sys_window(Widget, XtPointer, XtPointer);
 // Gives a descriptor back that was never displayed. It must have no open children.
 void vga_release_dialog(vga_dialog* dialog);

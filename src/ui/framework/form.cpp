@@ -86,7 +86,7 @@ void focus_first(vga_form* form) {
 
 vga_form* vga_open_form(NB_USHORT dialog_id, vga_dialog* parent, void* record) {
     if (vga_form* open = record != nullptr ? open_form_of(dialog_id, record) : nullptr) {
-        vga_raise_dialog(&open->common);
+        vga_go_to_dialog(&open->common);
         return nullptr;
     }
     vga_dialog* dialog = nullptr;

@@ -84,5 +84,6 @@ void vga_activate_action(Widget widget, XEvent* event, String* params, Cardinal*
 // ---- sizes, for a window that is realized ----
 void vga_set_minimum_height(Widget shell);           // not lower than it is now
 void vga_set_pane_height(Widget pane, Widget title); // not lower than its title
+// Not narrower than the tool bar, nor than the menu bar of the same main window.
 void vga_set_toolbar_width(Widget shell, Widget tool_bar);
 void vga_set_window_height(Widget shell, Widget tool_bar, Widget message_bar, Widget panes);

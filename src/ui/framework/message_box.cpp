@@ -140,6 +140,13 @@ void map_and_raise(Widget shell) {
     }
 }
 
+// A box that was shown before keeps its width, whatever it has to show now.
+void fit_to_message(Widget box) {
+    XtWidgetGeometry wanted;
+    XtQueryGeometry(box, nullptr, &wanted);
+    XtVaSetValues(box, XmNwidth, wanted.width, XmNheight, wanted.height, nullptr);
+}
+
 // Shows a message now, in place of whatever the box shows. Frees the string.
 void show(vga_dialog* dialog, const MODAL_MESSAGE& message) {
     vga_modal_dlg& box = dialog->modal_dlg;
@@ -168,6 +175,7 @@ void show(vga_dialog* dialog, const MODAL_MESSAGE& message) {
     if (XtIsRealized(box.shell)) {
         XtRealizeWidget(box.dialog);
     }
+    fit_to_message(box.dialog);
     XtManageChild(box.dialog);
     vga_set_window_icon(dialog, box.shell);
     box.open = 1;

@@ -111,9 +111,7 @@ void vga_close_form(vga_form* form) {
     XtRemoveAllCallbacks(form->common.widget, XmNokCallback);
     if (form->row->chain != nullptr) {
         take_marks_back(form);
-        if (form->run.update_node != nullptr) { // what failed so far is reported
-            vga_end_update(&form->common, true, 0);
-        }
+        vga_leave_update(&form->common, form->run.update_node);
     }
     form->run = {};
 }

@@ -4,7 +4,8 @@
 //   -> define sent -> each completion taken into the store, failures shown -> run ended:
 //   OK closes the dialog, Apply prepares it for what comes next.
 // OK and Apply are insensitive while verbs are outstanding. The correlator of every verb is the
-// dialog's handle: closing the dialog forgets them, and their completions.
+// dialog's handle: closing the dialog forgets them, and their completions; those of an update run
+// go on without it.
 #pragma once
 
 #include "shell/verb_queue.h"

@@ -51,6 +51,21 @@ void destroy(Widget item) {
     XtDestroyWidget(item);
 }
 
+// Entries that the screen has no room for below each other stand in columns.
+void fit_on_screen(Widget menu) {
+    int height = 0;
+    vga_for_each_child(menu, [&](Widget child) {
+        if (XtIsManaged(child)) {
+            Dimension item_height = 0;
+            XtVaGetValues(child, XmNheight, &item_height, nullptr);
+            height += item_height;
+        }
+    });
+    const auto columns = static_cast<short>(1 + height / HeightOfScreen(XtScreen(menu)));
+    XtVaSetValues(menu, XmNnumColumns, columns, XmNpacking,
+                  columns > 1 ? XmPACK_COLUMN : XmPACK_TIGHT, nullptr);
+}
+
 } // namespace
 
 void vga_add_node_window_widget(Widget menu, vga_node* node) {
@@ -65,6 +80,7 @@ void vga_add_node_window_widget(Widget menu, vga_node* node) {
     label(item, static_cast<NB_ULONG>(items.size() + 1), node);
     XtAddCallback(item, XmNactivateCallback, vga_raise_node_window, nullptr);
     XtManageChild(item);
+    fit_on_screen(menu);
 }
 
 void vga_remove_node_window_widget(Widget menu, vga_node* node) {
@@ -77,12 +93,14 @@ void vga_remove_node_window_widget(Widget menu, vga_node* node) {
             label(item, ++number, other);
         }
     }
+    fit_on_screen(menu);
 }
 
 void vga_remove_all_node_window_widgets(Widget menu) {
     for (Widget item : items_of(menu)) {
         destroy(item);
     }
+    fit_on_screen(menu);
 }
 
 KeySym vga_node_widget_mnemonic(NB_ULONG number) {

@@ -44,7 +44,12 @@ void vga_set_pane_height(Widget pane, Widget title) {
 }
 
 void vga_set_toolbar_width(Widget shell, Widget tool_bar) {
-    const Dimension width = preferred(tool_bar).width;
+    Widget menu_bar = nullptr;
+    XtVaGetValues(XtParent(tool_bar), XmNmenuBar, &menu_bar, nullptr);
+    Dimension width = preferred(tool_bar).width;
+    if (menu_bar != nullptr) {
+        width = std::max(width, preferred(menu_bar).width);
+    }
     XtVaSetValues(shell, XmNminWidth, static_cast<int>(width), nullptr);
     if (get(shell, XmNwidth) < width) {
         XtVaSetValues(shell, XmNwidth, width, nullptr);

@@ -48,7 +48,7 @@ bool vga_get_widgets_about(vga_dialog* dialog) {
 void vga_display_about_box(vga_dialog* parent) {
     vga_dialog* about = vga_open_instance(VGA_UID_ABOUT_BOX);
     if (about != nullptr) {
-        vga_raise_dialog(about);
+        vga_go_to_dialog(about);
     } else if (vga_get_dialog(VGA_UID_ABOUT_BOX, parent, nullptr, &about)) {
         vga_display_dialog(about);
     }

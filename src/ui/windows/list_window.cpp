@@ -161,7 +161,7 @@ void open_record(vga_list_window* window, VGA_OPEN how) {
 
 bool vga_open_list_window(const VGA_LIST_WINDOW& row, vga_dialog* parent, void* owner) {
     if (vga_dialog* open = *row.open(owner)) {
-        vga_raise_dialog(open);
+        vga_go_to_dialog(open);
         return true;
     }
     vga_dialog* dialog = nullptr;

@@ -62,7 +62,7 @@ constexpr VGA_WIDGET_ROW<vga_node_window> fields[] = {
 #undef FIELD
 
 constexpr int first_columns = 90;
-constexpr int first_rows = 30;
+constexpr int first_rows = 36;
 
 // Widgets that only need to know their window.
 constexpr const char* others[] = {

@@ -13,7 +13,6 @@
 #include "ui/windows/delete_flow.h"
 #include "ui/windows/node_window_internal.h"
 #include "ui/windows/system_window.h"
-#include "verbs/manage.h"
 #include "verbs/status.h"
 
 #include <algorithm>
@@ -107,10 +106,10 @@ void set_sizes(const vga_node_window* window, const vga_node* node) {
                             vga_name_widget(window->*pane.form, pane.title, nullptr));
     }
     set_area_width(window, node);
-    Widget bar = XtParent(window->tool_bar); // the node area and the buttons
-    vga_set_toolbar_width(window->common.shell, bar);
-    vga_set_window_height(window->common.shell, bar, window->message_bar, window->paned_window);
     spread_tools(window);
+    vga_set_toolbar_width(window->common.shell, window->tool_bar);
+    vga_set_window_height(window->common.shell, window->tool_bar, window->message_bar,
+                          window->paned_window);
 }
 
 // ---- contents ----
@@ -264,7 +263,7 @@ bool vga_display_node_window(vga_node* node, bool ready) {
         return true;
     }
     if (window->built) {
-        vga_raise_dialog(&window->common);
+        vga_go_to_dialog(&window->common);
         return true;
     }
     XtRealizeWidget(window->common.shell);
@@ -333,7 +332,7 @@ void vga_install_window_hooks() {
         .button_states =
             [](vga_node* node) { vga_nodew_set_button_states(node->gui_data.node_window); },
     };
-    gvga_manage_hooks.clear_message_bar = [](vga_node* node) {
+    gvga_store_hooks.clear_message_bar = [](vga_node* node) {
         if (node->gui_data.node_window != nullptr) {
             vga_message_node_window(node->gui_data.node_window, 0);
         }

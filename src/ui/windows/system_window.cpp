@@ -68,7 +68,7 @@ bool vga_display_system_window(bool ready) {
     vga_sysw_set_button_states(dialog);
     show_nodes(window);
     fill_window_menu(window);
-    vga_set_toolbar_width(dialog->shell, XtParent(window->tool_bar));
+    vga_set_toolbar_width(dialog->shell, window->tool_bar);
     vga_display_dialog(dialog);
     XmProcessTraversal(window->nodes, XmTRAVERSE_CURRENT);
     vga_mark_window_ready(dialog);
