@@ -320,6 +320,7 @@ void vga_nof_verb_callback(NB_HANDLE handle, void* vcb, NB_ULONG correlator, int
     }
     VGA_ASSERT_TEXT(entry->issued, "queue_entry->issued");
     nba_remove_from_q(&entry->link);
+    completion.corr = entry->corr;
     if (entry->callback == nullptr) {
         --barriers;
         dispatch_purged(completion);

@@ -19,7 +19,7 @@ struct VGA_QUEUE_ENTRY {
     NB_USHORT issued; // handed to the library
     NB_HANDLE target;
     void* vcb;
-    NB_ULONG corr;
+    NB_ULONG corr;         // what the callback gets; as the callback, it may be changed until then
     VGA_CALLBACK callback; // null: purged while outstanding; later verbs of the target wait for it
 };
 

@@ -18,6 +18,8 @@ void vga_build_system(VGA_COMPLETION* work);
 // Reads users, CPI-C, RJE and logging again, from a configuration file that has come back.
 void vga_rebuild_system();
 void vga_rebuild_sna_net();
+// After a file of the domain was released: what the build still wanted of it is given up.
+void vga_build_without_files();
 // Completion of a query for the central logger: queries central logging again.
 void vga_rebuild_logging(VGA_COMPLETION* work);
 // Gives every node its server role by the network file and the local server's name.
@@ -101,9 +103,10 @@ enum VGA_QUERY : int {
 // Sends one page of a list query. owner: the record whose list it is (a PU, a local LU 6.2, a
 // connection network, a node, or the system root); last: the entry to go on behind, in the layout
 // of the kind's entries, or null for the first page. With a count of 1, last names the one entry to
-// fetch. corr: handle of the record on whose behalf it goes; 0: the owner.
+// fetch. corr: handle of the record on whose behalf it goes; 0: the owner. level: 0, the kind's
+// own.
 bool vga_issue_query(VGA_QUERY query, void* owner, const void* last, NB_USHORT count, NB_ULONG corr,
-                     VGA_CALLBACK callback);
+                     VGA_CALLBACK callback, NB_BYTE level = 0);
 
 struct vga_page {
     bool failed;      // exit code 164 or 1 is set, and the failure logged

@@ -32,12 +32,14 @@ void remove_marked(vga_node* node) {
 } // namespace
 
 void vga_start_check_ipbridge_sess(vga_node* node) {
+    // The end of an older check would remove what only this one marks, its pages bring back what
+    // has gone.
+    vga_check_drop(node, NAP_QUERY_IPBRIDGE_APPCIP, 0, vga_check_ipbridge_sess);
     set_marks(node);
     if (node->appcip_defaults == nullptr) {
+        node->checks_running[VGA_CHECK_IPBRIDGE_SESS] = 0;
         return remove_marked(node);
     }
-    // The end of an older check would remove what only this one marks.
-    vga_check_drop(node, NAP_QUERY_IPBRIDGE_APPCIP, 0, vga_check_ipbridge_sess);
     node->checks_running[VGA_CHECK_IPBRIDGE_SESS] = 1;
     send(node, nullptr);
 }

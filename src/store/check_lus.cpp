@@ -55,7 +55,7 @@ void take_status(vga_down_lu* lu, const DOWN_LU_ENTRY* entry) {
         lu->vcb.plu_session_active != entry->plu_session_active) {
         lu->vcb.lu_active = entry->lu_active;
         lu->vcb.plu_session_active = entry->plu_session_active;
-        vga_update_row(&lu->parent->parent->links_root, &lu->viewer);
+        vga_update_state_row(&lu->parent->parent->links_root, &lu->viewer);
     }
 }
 

@@ -19,7 +19,7 @@ struct Refresh {
     VGA_CALLBACK callback;
     NTL_AVL_TREE vga_node::*tree;
     void* (*entry_of)(void* record);
-    void (*redraw)(void* record); // null: it has no row
+    void (*changed)(void* record); // redraws its row; null: it has none
     Bytes status[2];
 };
 
@@ -30,21 +30,22 @@ template <typename T> void* entry_block(void* record) {
     return static_cast<T*>(record)->vcb;
 }
 
-void redraw_port(void* record) {
+void port_changed(void* record) {
     auto* port = static_cast<vga_port*>(record);
-    vga_update_row(&port->parent->parent->links_root, &port->viewer);
+    vga_update_state_row(&port->parent->parent->links_root, &port->viewer);
 }
-void redraw_ls(void* record) {
+void ls_changed(void* record) {
     auto* ls = static_cast<vga_ls*>(record);
-    vga_update_row(&ls->parent->parent->parent->links_root, &ls->viewer);
+    vga_update_state_row(&ls->parent->parent->parent->links_root, &ls->viewer);
 }
-void redraw_pu(void* record) {
+void pu_changed(void* record) {
     auto* pu = static_cast<vga_pu*>(record);
+    pu->start_pending = 0; // the indication that ended the start was lost
     if (vga_viewer* row = vga_pu_viewer(pu); row != nullptr) {
-        vga_update_row(&pu->parent->links_root, row);
+        vga_update_state_row(&pu->parent->links_root, row);
     }
 }
-void redraw_lu62(void* record) {
+void lu62_changed(void* record) {
     vga_count_lu62_sessions(static_cast<vga_lu62*>(record), 0);
 }
 
@@ -57,17 +58,17 @@ constexpr Refresh refreshes[] = {
     {VGA_CHECK_DLC, VGA_QUERY_DLC, NAP_LEVEL_SUMMARY, vga_check_dlc, &vga_node::dlc_tree,
      entry_block<vga_dlc>, nullptr, {{offsetof(DLC_ENTRY, state), 1}}},
     {VGA_CHECK_PORT, VGA_QUERY_PORT, NAP_LEVEL_DETAIL, vga_check_port, &vga_node::port_tree,
-     entry_block<vga_port>, redraw_port, {{offsetof(PORT_ENTRY, state), 1}}},
+     entry_block<vga_port>, port_changed, {{offsetof(PORT_ENTRY, state), 1}}},
     {VGA_CHECK_LS, VGA_QUERY_LS, NAP_LEVEL_SUMMARY, vga_check_ls, &vga_node::ls_tree,
-     entry_block<vga_ls>, redraw_ls, {{offsetof(LS_ENTRY, det), sizeof(LS_DETAIL)}}},
+     entry_block<vga_ls>, ls_changed, {{offsetof(LS_ENTRY, det), sizeof(LS_DETAIL)}}},
     {VGA_CHECK_PU, VGA_QUERY_PU, NAP_LEVEL_DETAIL, vga_check_pu, &vga_node::local_pu_tree,
-     own_entry<vga_pu>, redraw_pu, {pu_state}},
+     own_entry<vga_pu>, pu_changed, {pu_state}},
     {VGA_CHECK_DLUR_PU, VGA_QUERY_DLUR_PU, NAP_LEVEL_DETAIL, vga_check_dlur_pu,
-     &vga_node::local_pu_tree, own_entry<vga_pu>, redraw_pu, {pu_state, dlur_state}},
+     &vga_node::local_pu_tree, own_entry<vga_pu>, pu_changed, {pu_state, dlur_state}},
     {VGA_CHECK_DOWN_PU, VGA_QUERY_DOWN_PU, NAP_LEVEL_DETAIL, vga_check_down_pu,
-     &vga_node::down_pu_tree, own_entry<vga_pu>, redraw_pu, {pu_state}},
+     &vga_node::down_pu_tree, own_entry<vga_pu>, pu_changed, {pu_state}},
     {VGA_CHECK_LOCAL_LU, VGA_QUERY_LU62, NAP_LEVEL_DETAIL, vga_check_local_lu,
-     &vga_node::lu62_tree, own_entry<vga_lu62>, redraw_lu62,
+     &vga_node::lu62_tree, own_entry<vga_lu62>, lu62_changed,
      {{offsetof(LU62_ENTRY, session_status), 1}}},
 };
 // clang-format on
@@ -78,34 +79,15 @@ const Refresh& refresh_of(VGA_CHECK_KIND kind) {
 }
 
 // last: the entry to go on behind, or null.
-void send_page(const Refresh& refresh, vga_node* node, const void* last) {
-    const vga_query_row& row = vga_query_row_of(refresh.query);
-    auto* list = vga_new_vcb<LIST_QUERY>(row.opcode, row.block_size);
-    void* buffer = vga_get_querybuf(0);
-    bool sent = false;
-    if (list != nullptr && buffer != nullptr) {
-        list->buffer = buffer;
-        list->buffer_size = gvga_querybuf_size;
-        list->list_options = refresh.level;
-        if (last == nullptr) {
-            list->list_options |= NAP_FIRST_IN_LIST;
-        } else {
-            list->list_options |= NAP_LIST_FROM_NEXT;
-            std::memcpy(reinterpret_cast<NB_BYTE*>(list) + row.key.block,
-                        static_cast<const NB_BYTE*>(last) + row.key.entry, row.key.length);
-        }
-        sent = vga_queue_verb(node->node_handle, list, node->handle, refresh.callback);
-    }
-    if (!sent) {
-        vga_free(list);
-        vga_free(buffer);
-    }
-    vga_check_sent(sent, node, refresh.kind);
+void send_page(const Refresh& refresh, vga_node* node, const void* last, VGA_CALLBACK callback) {
+    vga_check_sent(vga_issue_query(refresh.query, node, last, 0, 0, callback, refresh.level), node,
+                   refresh.kind);
 }
 
 void start(VGA_CHECK_KIND kind, vga_node* node) {
     ++node->checks_running[kind];
-    send_page(refresh_of(kind), node, nullptr);
+    const Refresh& refresh = refresh_of(kind);
+    send_page(refresh, node, nullptr, refresh.callback);
 }
 
 void* find_record(const Refresh& refresh, const vga_node* node, const void* entry) {
@@ -123,8 +105,8 @@ void take_status(const Refresh& refresh, void* record, const void* entry) {
             changed = true;
         }
     }
-    if (changed && refresh.redraw != nullptr) {
-        refresh.redraw(record);
+    if (changed && refresh.changed != nullptr) {
+        refresh.changed(record);
     }
 }
 
@@ -143,7 +125,7 @@ void check(VGA_CHECK_KIND kind, const VGA_COMPLETION* completion) {
         }
     }
     if (last != nullptr && entries.more()) {
-        send_page(refresh, node, refresh.entry_of(last));
+        send_page(refresh, node, refresh.entry_of(last), refresh.callback);
     } else {
         vga_check_ends(node, kind);
     }
@@ -165,12 +147,6 @@ void sweep_link_stations(vga_node* node, bool remove) {
 // The completion for a check that has stopped the build's own list, which begins anew afterwards.
 void check_ls_in_build(VGA_COMPLETION* completion);
 
-void start_ls_page(vga_node* node, const void* last, VGA_CALLBACK callback) {
-    Refresh refresh = refresh_of(VGA_CHECK_LS);
-    refresh.callback = callback;
-    send_page(refresh, node, last);
-}
-
 // True when the check has ended.
 bool check_ls(const VGA_COMPLETION* completion, VGA_CALLBACK callback, vga_node** node) {
     *node = static_cast<vga_node*>(vga_check_record(completion, VGA_CHECK_LS));
@@ -178,18 +154,20 @@ bool check_ls(const VGA_COMPLETION* completion, VGA_CALLBACK callback, vga_node*
         return false;
     }
     const Refresh& refresh = refresh_of(VGA_CHECK_LS);
-    const void* last = nullptr;
+    const LS_ENTRY* last = nullptr;
     vga_check_entries entries(refresh.query, completion->vcb);
-    while (const void* entry = entries.next()) {
+    while (const auto* entry = static_cast<const LS_ENTRY*>(entries.next())) {
         last = entry;
         if (auto* ls = static_cast<vga_ls*>(find_record(refresh, *node, entry)); ls != nullptr) {
             ls->restart_check = 0;
             take_status(refresh, ls, entry);
+        } else if (entry->det.implicit == 1 && gvga_store_hooks.implicit_ls != nullptr) {
+            gvga_store_hooks.implicit_ls(*node, entry->ls_name);
         }
     }
     // A page of link stations that are all new to the store does not end the list.
     if (last != nullptr && entries.more()) {
-        start_ls_page(*node, last, callback);
+        send_page(refresh, *node, last, callback);
         return false;
     }
     const NB_USHORT code = vcb_header(completion->vcb)->primary_rc;
@@ -254,7 +232,7 @@ void vga_start_check_ls(vga_node* node) {
          ls = vga_next<vga_ls>(ls->node)) {
         ls->restart_check = 1;
     }
-    start_ls_page(node, nullptr, in_build ? check_ls_in_build : vga_check_ls);
+    send_page(refresh_of(VGA_CHECK_LS), node, nullptr, in_build ? check_ls_in_build : vga_check_ls);
 }
 void vga_check_ls(VGA_COMPLETION* completion) {
     vga_node* node;

@@ -24,7 +24,7 @@ void vga_check_down_pu(VGA_COMPLETION* completion);
 void vga_check_local_lu(VGA_COMPLETION* completion);
 
 // Refreshes link stations and removes those that are not listed. Drops the pages of a check that
-// still runs.
+// still runs, and the queries for single ones that the node has made: what they ask for is listed.
 void vga_start_check_ls(vga_node* node);
 void vga_check_ls(VGA_COMPLETION* completion);
 

@@ -1,5 +1,6 @@
 #include "store/compare.h"
 
+#include "common/ip_address.h"
 #include "common/names.h"
 #include "nof/ipbridge.h"
 #include "nof/lu62.h"
@@ -230,9 +231,9 @@ int vga_compare_rem_sess(const void* a, const void* b) {
 }
 
 int vga_compare_ip_address(const void* a, const void* b) {
-    return std::memcmp(bytes(a) + offsetof(vga_ip_address_key, address),
-                       bytes(b) + offsetof(vga_ip_address_key, address),
-                       sizeof(vga_ip_address_key::address));
+    return std::memcmp(static_cast<const NAP_IP_ADDRESS*>(a)->address,
+                       static_cast<const NAP_IP_ADDRESS*>(b)->address,
+                       sizeof(NAP_IP_ADDRESS::address));
 }
 
 int vga_compare_client_address(const void* a, const void* b) {

@@ -42,11 +42,7 @@ int vga_compare_lu62_timeouts(const void* a, const void* b);
 
 int vga_compare_rem_sess(const void* a, const void* b); // vga_rem_sess_key
 
-struct vga_ip_address_key {
-    NB_USHORT family;
-    NB_BYTE address[16];
-};
-int vga_compare_ip_address(const void* a, const void* b);
+int vga_compare_ip_address(const void* a, const void* b); // NAP_IP_ADDRESS, less its family
 
 int vga_compare_client_address(const void* a, const void* b);       // TN3270_CLIENT_KEY
 int vga_compare_tn_redirect(const void* a, const void* b);          // TN_REDIRECT_KEY

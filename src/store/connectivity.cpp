@@ -47,8 +47,9 @@ void free_dlc(vga_dlc* dlc) {
     vga_free_record(dlc);
 }
 
-// A port record with a DLC of its own, in no tree, named by a message; its row behind previous.
-vga_port* make_fake_port(vga_node* node, int message, vga_viewer* previous) {
+// Makes *fake: a port record with a DLC of its own, in no tree, named by a message; its row behind
+// previous. It stays null without memory.
+void make_fake_port(vga_node* node, vga_port** fake, int message, vga_viewer* previous) {
     DLC_ENTRY dlc_entry{};
     dlc_entry.length = sizeof dlc_entry;
     PORT_ENTRY port_entry{};
@@ -63,16 +64,15 @@ vga_port* make_fake_port(vga_node* node, int message, vga_viewer* previous) {
 
     vga_dlc* dlc = vga_init_vga_dlc(node, &dlc_entry);
     if (dlc == nullptr) {
-        return nullptr;
+        return;
     }
     vga_port* port = vga_init_vga_port(dlc, &port_entry);
     if (port == nullptr) {
-        free_dlc(dlc);
-        return nullptr;
+        return free_dlc(dlc);
     }
+    *fake = port; // which its row goes by
     vga_create_viewer(&node->links_root, &port->viewer, VGA_VIEWER_PORT, port, nullptr, previous);
     vga_expand_viewer(&node->links_root, &port->viewer);
-    return port;
 }
 
 void delete_fake_port(vga_node* node, vga_port** fake, bool redraw) {
@@ -224,17 +224,16 @@ vga_port* vga_insert_vga_port(vga_port* port, vga_dlc* dlc) {
 
 vga_port* vga_get_dlur_fake_port(vga_node* node) {
     if (node->dlur_fake_port == nullptr) {
-        node->dlur_fake_port = make_fake_port(node, 232, last_real_port_row(node));
+        make_fake_port(node, &node->dlur_fake_port, 232, last_real_port_row(node));
     }
     return node->dlur_fake_port;
 }
 
 vga_port* vga_get_primary_line_fake_port(vga_node* node) {
     if (node->primary_line_fake_port == nullptr) {
-        node->primary_line_fake_port =
-            make_fake_port(node, 233,
-                           node->dlur_fake_port != nullptr ? &node->dlur_fake_port->viewer
-                                                           : last_real_port_row(node));
+        make_fake_port(node, &node->primary_line_fake_port, 233,
+                       node->dlur_fake_port != nullptr ? &node->dlur_fake_port->viewer
+                                                       : last_real_port_row(node));
     }
     return node->primary_line_fake_port;
 }

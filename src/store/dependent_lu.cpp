@@ -43,6 +43,7 @@ void vga_show_dependent_lus(vga_pu* pu) {
     const NB_BYTE type = kind == VGA_PU_LOCAL ? VGA_VIEWER_DEPLU : VGA_VIEWER_DOWN_LU;
     for (void* lu = ntl_avl_first<void>(pu->nau_tree); lu != nullptr;) {
         const NTL_AVL_NODE& node = nau_node_of(lu, kind);
+        vga_delete_row(&pu->parent->links_root, row_of(lu, kind), true);
         vga_show_dependent_lu(pu, node, row_of(lu, kind), type, lu);
         lu = ntl_avl_next(&node);
     }

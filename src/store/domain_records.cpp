@@ -81,9 +81,6 @@ vga_user* vga_insert_vga_user(vga_user* user, vga_system* system) {
 }
 
 void vga_delete_vga_user(vga_user* user, bool redraw) {
-    if (user->gui_data.dialog != nullptr) {
-        vga_close_children(user->gui_data.dialog, false, true);
-    }
     vga_leave_tree(&user->parent->user_tree, &user->node); // first: its LUs look for another one
     vga_give_up_user_lus(user);
     vga_delete_row(&user->parent->user_viewer_root, &user->viewer, redraw);

@@ -180,7 +180,7 @@ bool vga_entry_mode(vga_page_context& context, const void* raw) {
     const NB_LONG change = entry->act_sess_count - mode->act_sess_count;
     mode->act_sess_count = entry->act_sess_count;
     vga_count_lu62_sessions(lu, change);
-    vga_update_row(&lu->parent->lus_root, &mode->viewer);
+    vga_update_state_row(&lu->parent->lus_root, &mode->viewer);
     if (independent && entry->cp_known == 1 &&
         std::memcmp(entry->cp_name, lu->parent->vcb.parameters.cp_name, FQ_NAME_LENGTH) != 0) {
         return vga_track_rem_sessions(lu, entry);
@@ -372,6 +372,11 @@ NB_LONG* vga_trace_counter(vga_node* node, NB_BYTE dlc_type) {
 bool vga_process_dlc_trace(vga_page_context& context, const void* raw) {
     const auto* entry = static_cast<const DLC_TRACE_ENTRY*>(raw);
     vga_node* node = node_of(context);
+    const auto& list = *static_cast<const LIST_QUERY*>(context.block);
+    if (context.first && (list.list_options & NAP_FIRST_IN_LIST) != 0) {
+        node->tracing = {}; // what was set before the answer is in it
+        node->all_dlcs_traced = 0;
+    }
     if (entry->resource_type == NOF_TRACE_ALL_DLCS) {
         node->all_dlcs_traced = 1;
         return true;

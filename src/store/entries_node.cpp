@@ -97,12 +97,15 @@ bool vga_entry_dspu_template(vga_page_context& context, const void* raw) {
 
 // ---- security ----
 
-// Entries in a row for one user continue its profiles.
+// Entries in a row for one user continue its profiles, also where a page goes on behind another.
 bool vga_entry_userid_password(vga_page_context& context, const void* raw) {
     const auto* entry = static_cast<const USERID_PASSWORD_ENTRY*>(raw);
+    const auto* query = static_cast<const QUERY_USERID_PASSWORD*>(context.block);
     const auto* before = static_cast<const vga_userid_password*>(context.record);
-    const bool continues = before != nullptr && std::memcmp(before->vcb.user_id, entry->user_id,
-                                                            sizeof entry->user_id) == 0;
+    const NB_BYTE* user_before = before != nullptr ? before->vcb.user_id : query->user_id;
+    const bool first = (query->list.list_options & NAP_FIRST_IN_LIST) != 0 && before == nullptr;
+    const bool continues =
+        !first && std::memcmp(user_before, entry->user_id, sizeof entry->user_id) == 0;
     vga_userid_password* userid = vga_init_vga_userid_password(node_of(context), entry);
     if (userid == nullptr) {
         return false;

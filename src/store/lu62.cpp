@@ -222,7 +222,7 @@ bool vga_create_fake_cp_lu(vga_node* node) {
 
 void vga_count_lu62_sessions(vga_lu62* lu, NB_LONG change) {
     lu->act_sess_count = std::max(lu->act_sess_count + change, NB_LONG{0});
-    vga_update_row(root_of(lu), &lu->viewer);
+    vga_update_state_row(root_of(lu), &lu->viewer);
 }
 
 vga_mode* vga_last_lu62_mode(const vga_lu62* lu) {

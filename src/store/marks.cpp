@@ -44,8 +44,13 @@ bool session_changes(const USER_SESSION& session, const vga_node* node, const ch
     if (session.session_type == NOF_SESSION_3270) {
         return changes(session.lu_name, nullptr);
     }
-    return alias != nullptr ? vga_compare_asc8(session.partner.plu_alias, alias) == 0
-                            : lu62_changes(session.lu_name, node);
+    // Without an alias a session means the default LU, or has its partner by the full name.
+    if (alias == nullptr) {
+        return !vga_blank_name(session.lu_name, sizeof session.lu_name) &&
+               lu62_changes(session.lu_name, node);
+    }
+    return !vga_blank_name(session.partner.plu_alias, sizeof session.partner.plu_alias) &&
+           vga_compare_asc8(session.partner.plu_alias, alias) == 0;
 }
 
 template <typename T, typename Visit> void for_each(const NTL_AVL_TREE& tree, Visit visit) {

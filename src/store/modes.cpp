@@ -32,28 +32,36 @@ constexpr std::array<Mode, 13> gv0_sna_modes{{
     {"#INTERCS", "#INTERSC", 4096, 20, 8192, 8, 4, 0, 1},
     {"#BATCHC", "#BATCH", 4096, 3, 8192, 8, 4, 0, 1},
     {"#BATCHCS", "#BATCHSC", 4096, 3, 8192, 8, 4, 0, 1},
-    {"CPSVRMGR", "CPSVCMG", 512, 1, 2, 2, 1, 1, 0},
+    {"CPSVRMGR", "SNASVCMG", 512, 1, 2, 2, 1, 1, 0},
     {"QPCSUPP", "#CONNECT", 4096, 7, 8192, 8, 4, 0, 0},
 }};
 
 struct Cos {
     std::string_view name;
-    NB_BYTE transmission_priority; // 1 low, 2 medium, 3 high, 4 network
+    NB_BYTE transmission_priority; // 0 low, 1 medium, 2 high, 3 network
 };
 constexpr std::array<Cos, 7> gvga_sna_cos{{
-    {"#CONNECT", 2},
-    {"CPSVCMG", 4},
-    {"SNASVCMG", 4},
-    {"#INTER", 3},
-    {"#INTERSC", 3},
-    {"#BATCH", 1},
-    {"#BATCHSC", 1},
+    {"#CONNECT", 1},
+    {"CPSVCMG", 3},
+    {"SNASVCMG", 3},
+    {"#INTER", 2},
+    {"#INTERSC", 2},
+    {"#BATCH", 0},
+    {"#BATCHSC", 0},
 }};
 
 void put_name(NB_BYTE* field, std::string_view name) {
     std::memset(field, ' ', 8);
     std::memcpy(field, name.data(), name.size());
     nba_local_to_ebcdic(field, 8);
+}
+
+bool is_sna_mode(const NB_BYTE* mode_name) {
+    return std::any_of(gv0_sna_modes.begin(), gv0_sna_modes.end(), [mode_name](const Mode& row) {
+        NB_NAME8E name;
+        put_name(name, row.name);
+        return vga_compare_ebc8(name, mode_name) == 0;
+    });
 }
 
 vga_cos_row* insert_row(vga_cos_row* row, NTL_AVL_TREE* tree) {
@@ -77,6 +85,9 @@ vga_mode_def* vga_init_vga_mode_def(vga_node* node, const MODE_DEF_ENTRY* entry)
     }
     mode->parent = node;
     vga_copy_entry(mode->vcb, entry);
+    if (mode->vcb.def.description[0] == '\0' && is_sna_mode(mode->vcb.mode_name)) {
+        vga_describe(mode->vcb.def.description, 235);
+    }
     ntl_avl_init_node(&mode->node, mode, mode->vcb.mode_name);
     vga_init_row(&mode->viewer, VGA_VIEWER_MODE_DEF, mode);
     return mode;
@@ -107,7 +118,6 @@ bool vga_init_sna_modes(vga_node* node) {
             continue;
         }
         put_name(entry.def.cos_name, row.cos_name);
-        vga_describe(entry.def.description, 235);
         entry.def.max_ru_upper = row.max_ru_upper;
         entry.def.receive_pacing = row.receive_pacing;
         entry.def.max_session_limit = row.max_session_limit;

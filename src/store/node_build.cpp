@@ -231,6 +231,9 @@ void limits_known(vga_node* node, const void* vcb) {
     const VCB_HEADER& header = *vcb_header(vcb);
     if (header.primary_rc == NAP_STATE_CHECK && header.secondary_rc == NAP_FILE_UNAVAILABLE) {
         vga_dialog* window = node->gui_data.node_window;
+        if (gvga_store_hooks.clear_message_bar != nullptr) {
+            gvga_store_hooks.clear_message_bar(node);
+        }
         vga_display_error_dialog(window != nullptr ? window : gvga_main_dialog, 889,
                                  "fileunavailable", nullptr, 0, "ca", int{sizeof node->node_name},
                                  node->node_name);

@@ -30,7 +30,7 @@ bool names_ls(const vga_pu* pu) {
     return !vga_blank_name(pu->vcb.ls_name, sizeof pu->vcb.ls_name);
 }
 
-// A link station carries one PU; an older one of it goes.
+// A link station carries one PU, below whose row the PU's LUs stand; an older one of it goes.
 void link_ls(vga_pu* pu, vga_ls* ls) {
     if (pu->ls_entry == ls) {
         return;
@@ -49,6 +49,7 @@ void link_ls(vga_pu* pu, vga_ls* ls) {
     ls->pu_entry = pu;
     ls->viewer.type = VGA_VIEWER_LS;
     vga_update_row(&pu->parent->links_root, &ls->viewer);
+    vga_show_dependent_lus(pu);
 }
 
 // Under the DLUR fake port, behind the PU shown there before it. False: no memory.
@@ -63,12 +64,12 @@ bool show_dlur_pu(vga_pu* pu) {
     }
     vga_create_viewer(&pu->parent->links_root, &pu->viewer, VGA_VIEWER_LOCAL_PU, pu, &fake->viewer,
                       previous != nullptr ? &previous->viewer : nullptr);
+    vga_show_dependent_lus(pu);
     return true;
 }
 
 // Links a PU with its link station, or shows it under the DLUR fake port; a PU that has a row keeps
-// it, with the rows of its LUs. False: its link station
-// is missing, or there is no memory.
+// it, with the rows of its LUs. False: its link station is missing, or there is no memory.
 bool place_pu(vga_pu* pu) {
     if (vga_is_shown(pu->viewer)) {
         return true;
@@ -159,7 +160,11 @@ vga_pu* vga_add_ls_pu(vga_ls* ls) {
     }
     vga_node* node = ls->parent->parent->parent;
     NTL_AVL_TREE* tree = local ? &node->local_pu_tree : &node->down_pu_tree;
-    if (auto* known = vga_find<vga_pu>(*tree, name); known != nullptr && known->ls_entry == ls) {
+    if (auto* known = vga_find<vga_pu>(*tree, name);
+        known != nullptr &&
+        (known->ls_entry == ls || (!local && known->ls_entry == nullptr))) { // was known before ls
+        std::memcpy(known->vcb.ls_name, ls->vcb->ls_name, sizeof known->vcb.ls_name);
+        link_ls(known, ls);
         return known; // its full entry tells more than the link station's
     }
     PU_ENTRY entry{};
@@ -169,6 +174,18 @@ vga_pu* vga_add_ls_pu(vga_ls* ls) {
     entry.host_attachment = local ? NB_BYTE{NAP_DIRECT_ATTACHED} : def.dspu_services;
     vga_pu* pu = init_pu(node, &entry, local ? VGA_PU_LOCAL : VGA_PU_DOWNSTREAM);
     return pu != nullptr ? insert_pu(pu, tree) : nullptr;
+}
+
+void vga_drop_stray_pus(vga_node* node, const char* ls_name, const vga_ls* ls) {
+    for (auto* pu = ntl_avl_first<vga_pu>(node->down_pu_tree); pu != nullptr;) {
+        auto* next = vga_next<vga_pu>(pu->node);
+        const bool wanted = ls != nullptr && vga_ls_has_down_pu(ls->vcb) &&
+                            vga_compare_ebc8(ls->vcb->def.dspu_name, pu->vcb.pu_name) == 0;
+        if (pu->ls_entry == nullptr && !wanted && vga_compare_asc8(pu->vcb.ls_name, ls_name) == 0) {
+            vga_delete_vga_down_pu(pu, true);
+        }
+        pu = next;
+    }
 }
 
 vga_viewer* vga_pu_viewer(vga_pu* pu) {

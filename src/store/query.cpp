@@ -132,7 +132,7 @@ NB_HANDLE vga_handle_of(vga_owner kind, void* owner) {
 }
 
 bool vga_issue_query(VGA_QUERY query, void* owner, const void* last, NB_USHORT count, NB_ULONG corr,
-                     VGA_CALLBACK callback) {
+                     VGA_CALLBACK callback, NB_BYTE level) {
     const vga_query_row& row = vga_query_row_of(query);
     auto* block = vga_new<NB_BYTE>(row.block_size);
     void* buffer = vga_get_querybuf(count == 1 ? row.exact_size : 0);
@@ -146,7 +146,7 @@ bool vga_issue_query(VGA_QUERY query, void* owner, const void* last, NB_USHORT c
     list->buffer = buffer;
     list->buffer_size = count == 1 && row.exact_size != 0 ? row.exact_size : gvga_querybuf_size;
     list->num_entries = count;
-    list->list_options = row.level;
+    list->list_options = level != 0 ? level : row.level;
     if (last == nullptr) {
         list->list_options |= NAP_FIRST_IN_LIST;
     } else {
@@ -190,7 +190,7 @@ vga_page vga_process_query(VGA_QUERY query, void* owner, void* vcb) {
     const auto* entry = static_cast<const NB_BYTE*>(list.buffer);
     for (NB_USHORT i = 0; i < list.num_entries; ++i, entry += length_of(entry)) {
         page.last = entry;
-        if (row.handler != nullptr && !row.handler(context, entry)) {
+        if (!row.handler(context, entry)) {
             page.failed = true;
             return page;
         }

@@ -44,7 +44,7 @@ struct vga_query_row {
     NB_USHORT entry_size; // least length of an entry
     vga_owner owner;      // the names of PUs, LUs and connection networks stand at offset 38
     vga_piece key;
-    vga_entry_handler handler = nullptr;
+    vga_entry_handler handler;
     vga_piece key2 = {};
     vga_nested_piece nested = {};
     NB_USHORT exact_size = 0;    // buffer for one entry, 0: as for a list

@@ -25,7 +25,6 @@ constexpr NB_BYTE L2 = NAP_LEVEL_SUMMARY;
 
 using enum vga_owner;
 
-// A kind without a handler is listed to its end for its flag; its records are not kept yet.
 // clang-format off
 constexpr vga_query_row rows[] = {
     {VGA_QUERY_DLC, NAP_QUERY_DLC, sizeof(QUERY_DLC), L1, 12, sizeof(DLC_ENTRY), node,

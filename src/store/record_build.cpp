@@ -91,15 +91,20 @@ void list_lu62s(vga_node* node, vga_lu62* from) {
     }
 }
 
-// All nodes are built: nothing more is to come for the log settings when no node has the logger.
+// When all nodes are built nothing more is to come for the log settings if no node has the logger,
+// unless the file that tells which one is being read.
 void end_of_nodes() {
+    if ((gvga_system->build_flags & vga_flag(VGA_SYSTEM_NODE_LIST)) != 0) {
+        return; // there are others
+    }
     for (auto* node = ntl_avl_first<vga_node>(gvga_system->node_tree); node != nullptr;
          node = vga_next<vga_node>(node->node)) {
         if (!vga_check_node_startup(node)) {
             return;
         }
     }
-    const bool logger = vga_find_node_by_handle(gvga_system->central_logger_handle) != nullptr;
+    const bool logger = vga_find_node_by_handle(gvga_system->central_logger_handle) != nullptr ||
+                        (gvga_system->build_flags & vga_flag(VGA_SYSTEM_USERS)) != 0;
     vga_clear_system_flags(vga_flag(VGA_SYSTEM_NODES) |
                            (logger ? VGA_FLAGS{0} : vga_flag(VGA_SYSTEM_LOGGING)));
 }

@@ -12,6 +12,7 @@
 #include <algorithm>
 #include <array>
 #include <cstring>
+#include <utility>
 
 // A zeroed record with its handle; null, with exit code 1 set, when either is missing.
 template <typename T> T* vga_new_record() {
@@ -98,6 +99,13 @@ inline void vga_update_row(vga_viewer_root* root, vga_viewer* viewer) {
         vga_update_viewer(root, viewer);
     }
 }
+// The same for a record in another state: the buttons of its window may depend on it.
+inline void vga_update_state_row(vga_viewer_root* root, vga_viewer* viewer) {
+    vga_update_row(root, viewer);
+    if (vga_is_shown(*viewer) && viewer->selected != 0) {
+        vga_viewer_tell_owner(root, viewer);
+    }
+}
 
 // A name of 8 or more bytes that names nothing: zeros or blanks (of either character set).
 inline bool vga_blank_name(const void* name, std::size_t width) {
@@ -125,7 +133,7 @@ void vga_log_missing_parent_ebcdic(int subcode, NB_USHORT opcode, const NB_BYTE*
 // address order. A PU that is not shown shows none.
 void vga_show_dependent_lu(vga_pu* pu, const NTL_AVL_NODE& nau_node, vga_viewer* viewer,
                            NB_BYTE type, void* lu);
-// The rows of all LUs of a PU whose own row was made anew.
+// Makes the rows of all LUs of a PU where the PU stands now.
 void vga_show_dependent_lus(vga_pu* pu);
 // Gives a dependent LU, whose key *address is, another NAU address, with its place in the list.
 // False: another LU of the PU has that address.
@@ -145,12 +153,13 @@ void vga_release_ls_routings(vga_lu62* lu);
 // Ends the sessions of a local LU below every remote system.
 void vga_end_remote_sessions(const vga_lu62* lu);
 
-// Takes a dialog off the record it works on. expression: the invariant that it works on it.
-inline void vga_detach(vga_dialog** dialog, const void* record, const char* expression) {
-    if (*dialog != nullptr) {
-        VGA_ASSERT_TEXT((*dialog)->parent_item == record, expression);
-        (*dialog)->parent_item = nullptr;
-        *dialog = nullptr;
+// Takes a dialog off the record it works on, and closes what was opened from it. expression: the
+// invariant that it works on it.
+inline void vga_detach(vga_dialog** open, const void* record, const char* expression) {
+    if (vga_dialog* dialog = std::exchange(*open, nullptr); dialog != nullptr) {
+        VGA_ASSERT_TEXT(dialog->parent_item == record, expression);
+        dialog->parent_item = nullptr;
+        vga_close_children(dialog, false, true);
     }
 }
 

@@ -12,6 +12,10 @@ bool is_fake(const vga_rem_sys* rem_sys) {
     return rem_sys == rem_sys->parent->network_fake_rem_sys;
 }
 
+vga_viewer_root* root_of(vga_rem_sys* rem_sys) {
+    return &rem_sys->parent->rem_sys_root;
+}
+
 vga_rem_plu_key key_of(const NB_BYTE* fq_name, NB_USHORT number) {
     vga_rem_plu_key key{};
     std::memcpy(key.plu_name, fq_name, sizeof key.plu_name);
@@ -40,10 +44,7 @@ void take_over_definition(vga_rem_plu* rem_plu) {
     rem_plu->defn = waiting->defn;
     rem_plu->plu_defn = 1;
     vga_delete_vga_rem_plu(waiting, true, true, true, true);
-}
-
-vga_viewer_root* root_of(vga_rem_sys* rem_sys) {
-    return &rem_sys->parent->rem_sys_root;
+    vga_update_row(root_of(rem_plu->parent), &rem_plu->viewer);
 }
 
 } // namespace
@@ -94,11 +95,11 @@ vga_rem_sys* vga_fake_vga_rem_sys(vga_node* node) {
         if (fake == nullptr) {
             return nullptr;
         }
+        node->network_fake_rem_sys = fake; // which its row goes by
         auto* last = ntl_avl_last<vga_rem_sys>(node->rem_sys_tree);
         vga_create_viewer(&node->rem_sys_root, &fake->viewer, VGA_VIEWER_REM_SYS, fake, nullptr,
                           last != nullptr ? &last->viewer : nullptr);
         vga_expand_viewer(&node->rem_sys_root, &fake->viewer);
-        node->network_fake_rem_sys = fake;
     }
     return node->network_fake_rem_sys;
 }

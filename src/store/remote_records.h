@@ -6,7 +6,7 @@
 #include "store/connectivity_records.h"
 
 struct vga_dir {               // directory entry
-    NTL_AVL_NODE node;         // node directory tree, key from vcb.resource_type on
+    NTL_AVL_NODE node;         // node directory tree, key vcb: its name and type
     NTL_AVL_NODE parent_node;  // the tree of the control point it belongs to, or the server tree
     NTL_AVL_TREE* parent_tree; // the tree that holds parent_node
     NB_HANDLE handle;

@@ -1,6 +1,7 @@
 // Removal of records with all that depends on them. redraw: the viewer draws at once; a caller that
 // removes many rows passes false and redraws once. Open dialogs are detached: they stay open and no
-// longer refer to the record. Handles of removed records do not validate any more.
+// longer refer to the record, and what was opened from them is closed. Handles of removed records
+// do not validate any more.
 #pragma once
 
 #include "store/records.h"

@@ -8,17 +8,10 @@
 
 namespace {
 
-void close_children(vga_dialog* dialog) {
-    if (dialog != nullptr) {
-        vga_close_children(dialog, false, true);
-    }
-}
-
 void detach(vga_dlc* dlc) {
     vga_detach(&dlc->gui_data.dialog, dlc, "dlc->gui_data.dialog->parent_item == (NB_VOID *)dlc");
 }
 void detach(vga_port* port) {
-    close_children(port->gui_data.dialog);
     vga_detach(&port->gui_data.dialog, port,
                "port->gui_data.dialog->parent_item == (NB_VOID *)port");
 }

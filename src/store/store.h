@@ -20,9 +20,12 @@ struct vga_store_hooks {
     void (*node_added)(vga_node* node);   // after its row was made
     void (*node_removed)(vga_node* node); // before its row goes
     void (*roles_changed)();              // server roles, local server, network file
+    void (*clear_message_bar)(vga_node*); // of its window, when that is open
     bool (*start_shutdown)();             // orderly end of the program; false: could not start
     // A definition that the store re-issued succeeded: what its completion means otherwise.
     void (*definition_done)(VGA_COMPLETION* completion, vga_node* node);
+    // A check has listed a link station made by the node, which is not in the store.
+    void (*implicit_ls)(vga_node* node, const char* ls_name);
 };
 extern vga_store_hooks gvga_store_hooks;
 
@@ -94,6 +97,10 @@ bool vga_ls_has_down_pu(const LS_ENTRY* entry);
 // The PU a link station entry describes, as a record in the store: made, or merged; null when there
 // is none, or, with exit code 1 set, no memory.
 vga_pu* vga_add_ls_pu(vga_ls* ls);
+// Removes downstream PUs that an indication has announced for a link station before the station was
+// listed, and that its definition, by now, does not ask for. ls: the station, or null when it is
+// gone.
+void vga_drop_stray_pus(vga_node* node, const char* ls_name, const vga_ls* ls);
 // The row that a PU's LUs stand under: its link station's, else its own, else null (not shown).
 vga_viewer* vga_pu_viewer(vga_pu* pu);
 // Proposes the name of the PU of a link station into pu_name (8 bytes, EBCDIC). ls_name: 8
@@ -124,6 +131,7 @@ vga_mode* vga_last_lu62_mode(const vga_lu62* lu);
 // Adds to a local LU's active session count and redraws its row.
 void vga_count_lu62_sessions(vga_lu62* lu, NB_LONG change);
 
+// A mode of the architecture that nobody described is given a description.
 vga_mode_def* vga_init_vga_mode_def(vga_node* node, const MODE_DEF_ENTRY* entry);
 vga_mode_def* vga_insert_vga_mode_def(vga_mode_def* mode, vga_node* node);
 vga_cos* vga_init_vga_cos(vga_node* node, const COS_ENTRY* entry);

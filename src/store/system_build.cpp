@@ -42,6 +42,28 @@ void send(NB_USHORT opcode, NB_HANDLE target, VGA_CALLBACK callback = vga_build_
     }
 }
 
+// Whether the answer to a verb of this build is still to come. role: of the file that it opens.
+bool is_awaited(NB_USHORT opcode, NB_BYTE role = 0) {
+    for (const NBA_QUEUE* queue : {&gvga_nof_queue, &gvga_immediate_nof_queue}) {
+        for (auto* entry = static_cast<VGA_QUEUE_ENTRY*>(nba_get_q_head(queue)); entry != nullptr;
+             entry = static_cast<VGA_QUEUE_ENTRY*>(entry->link.next->owner)) {
+            if (entry->callback == vga_build_system && vcb_header(entry->vcb)->opcode == opcode &&
+                (role == 0 ||
+                 static_cast<OPEN_FILE*>(entry->vcb)->file_info.requested_role == role)) {
+                return true;
+            }
+        }
+    }
+    return false;
+}
+
+// Once in a run, whether or not the configuration file goes or comes in the middle.
+void list_nodes() {
+    if (is_set(VGA_SYSTEM_NODE_LIST) && !is_awaited(NAP_QUERY_NODE_ALL)) {
+        query(VGA_QUERY_NODE_LIST);
+    }
+}
+
 // ---- files ----
 
 void no_configuration_file() {
@@ -71,6 +93,13 @@ void configuration_opened(const OPEN_FILE& reply) {
 
 void file_opened(const void* vcb) {
     const auto& reply = *static_cast<const OPEN_FILE*>(vcb);
+    if (is_awaited(NAP_OPEN_FILE, reply.file_info.requested_role)) { // another server has it now
+        if (reply.header.primary_rc == NAP_OK &&
+            !vga_issue_close_file(reply.file_handle, gvga_system->handle, vga_process_close_file)) {
+            VGA_FATAL(VGA_EXIT_INTERNAL, 0);
+        }
+        return;
+    }
     if (reply.file_info.requested_role != NOF_FILE_SNA_NET) {
         return configuration_opened(reply);
     }
@@ -102,8 +131,8 @@ void registered(const void* vcb) {
     case NAP_SERVER_INDICATION:
         if (gvga_system->config_file_handle != 0) {
             register_sink(gvga_system->config_file_handle, NAP_CONFIG_INDICATION);
-        } else if (is_set(VGA_SYSTEM_NODE_LIST)) {
-            query(VGA_QUERY_NODE_LIST);
+        } else {
+            list_nodes();
         }
         break;
     case NAP_CONFIG_INDICATION:
@@ -131,16 +160,15 @@ void registered(const void* vcb) {
 
 void after_users() {
     vga_recount_user_lus(); // of a file that has come back: the nodes are there already
-    if (is_set(VGA_SYSTEM_NODE_LIST)) {
-        query(VGA_QUERY_NODE_LIST);
-    }
+    list_nodes();
+    vga_build_next_action(0, nullptr); // they may have been done before the users
 }
 
 void after_nodes() {
-    if (vsm_is_client_server()) {
-        open_file(NOF_FILE_SNA_NET);
-    } else {
+    if (!vsm_is_client_server()) {
         vga_clear_system_flags(vga_flag(VGA_SYSTEM_SNA_NET));
+    } else if (gvga_system->sna_net_handle == 0 && !is_awaited(NAP_OPEN_FILE, NOF_FILE_SNA_NET)) {
+        open_file(NOF_FILE_SNA_NET);
     }
     for (auto* node = ntl_avl_first<vga_node>(gvga_system->node_tree); node != nullptr;
          node = vga_next<vga_node>(node->node)) {
@@ -196,8 +224,7 @@ bool keep_central_logger(const void* vcb) {
 
 // In the first build the node that runs the logger is not connected yet; its own build goes on with
 // the log settings. When the file is read again that node is there, or it never will be.
-void logger_known() {
-    register_sink(0, NAP_SERVER_INDICATION);
+void ask_central_logger() {
     if (gvga_system->central_logger_handle != 0) {
         vga_build_central_logging();
     } else if (!is_set(VGA_SYSTEM_NODES)) {
@@ -273,6 +300,19 @@ void vga_rebuild_sna_net() {
     open_file(NOF_FILE_SNA_NET);
 }
 
+void vga_build_without_files() {
+    const vga_system& system = *gvga_system;
+    if (system.config_file_handle == 0 && (system.build_flags & file_flags) != 0 &&
+        !is_awaited(NAP_OPEN_FILE, NOF_FILE_CONFIGURATION)) {
+        no_configuration_file();
+    }
+    // Before the nodes are listed it is still to be opened.
+    if (system.sna_net_handle == 0 && !is_set(VGA_SYSTEM_NODE_LIST) &&
+        !is_awaited(NAP_OPEN_FILE, NOF_FILE_SNA_NET)) {
+        vga_clear_system_flags(vga_flag(VGA_SYSTEM_SNA_NET));
+    }
+}
+
 void vga_build_central_logging() {
     send<QUERY_CENTRAL_LOGGING>(NAP_QUERY_CENTRAL_LOGGING, gvga_system->central_logger_handle);
 }
@@ -282,11 +322,7 @@ void vga_rebuild_logging(VGA_COMPLETION* work) {
         return;
     }
     set_flags(vga_flag(VGA_SYSTEM_LOGGING));
-    if (gvga_system->central_logger_handle != 0) {
-        vga_build_central_logging();
-    } else {
-        vga_clear_system_flags(vga_flag(VGA_SYSTEM_LOGGING));
-    }
+    ask_central_logger();
 }
 
 void vga_setup_node_roles() {
@@ -318,7 +354,11 @@ void vga_build_system(VGA_COMPLETION* work) {
     case NAP_REGISTER_INDICATION_SINK:
         return registered(work->vcb);
     case NAP_QUERY_CENTRAL_LOGGER:
-        return keep_central_logger(work->vcb) ? logger_known() : void();
+        if (keep_central_logger(work->vcb)) {
+            register_sink(0, NAP_SERVER_INDICATION);
+            ask_central_logger();
+        }
+        return;
     case NAP_QUERY_CENTRAL_LOGGING:
         return central_logging_known(work->vcb);
     case NAP_QUERY_GLOBAL_LOG_TYPE:

@@ -87,6 +87,9 @@ void vga_process_update(VGA_COMPLETION* work, vga_dialog* dialog, bool quiet, vg
 bool vga_end_update(vga_dialog* dialog, bool quiet, NB_LONG verbs_outstanding);
 // The operator has read that an update failed. arg: handle of the dialog that started the run.
 void vga_failed_update_cb(vga_dialog* parent, NB_ULONG arg, NB_ULONG answer);
+// The dialog closes. node: whose definitions it still updates, or null; what failed so far is told,
+// and what is under way goes into the store, or into the log, without the dialog.
+void vga_leave_update(vga_dialog* dialog, const vga_node* node);
 
 // ---- clashes of names ----
 

@@ -17,6 +17,7 @@ constexpr NB_BYTE MODEL_OF_ANY_LU = 0xFF;    // of an LU that suits every sessio
 constexpr NB_BYTE DEFAULT_SESSION_MODEL = 2; // of its sessions, and of those on a pool
 
 std::vector<NB_HANDLE> failed_runs; // by the dialog that started them
+std::vector<NB_HANDLE> told;        // dialogs that close when the operator has read of a failure
 
 // Where re-issued definitions go, those of a node included: the domain's configuration knows which
 // node has what they name.
@@ -298,14 +299,33 @@ int vga_update_rje_wkstns(const vga_lu03* lu, NB_ULONG corr, VGA_CALLBACK callba
 
 // ---- completions ----
 
+namespace {
+
+// False: it failed, and the log has it.
+bool take(VGA_COMPLETION* work, vga_node* node) {
+    if (vcb_header(work->vcb)->primary_rc != NAP_OK) {
+        vga_log_failed_update(work->vcb, node);
+        return false;
+    }
+    if (gvga_store_hooks.definition_done != nullptr) {
+        gvga_store_hooks.definition_done(work, node);
+    }
+    return true;
+}
+
+// Of a verb whose dialog has closed since, and perhaps its node has gone: the correlator.
+void take_late(VGA_COMPLETION* work) {
+    vga_node* node = vga_validate_node(work->corr);
+    if (node != nullptr || vcb_header(work->vcb)->primary_rc == NAP_OK) {
+        take(work, node);
+    }
+}
+
+} // namespace
+
 void vga_process_update(VGA_COMPLETION* work, vga_dialog* dialog, bool quiet, vga_node* node,
                         NB_LONG* verbs_outstanding) {
-    if (vcb_header(work->vcb)->primary_rc == NAP_OK) {
-        if (gvga_store_hooks.definition_done != nullptr) {
-            gvga_store_hooks.definition_done(work, node);
-        }
-    } else {
-        vga_log_failed_update(work->vcb, node);
+    if (!take(work, node)) {
         std::erase(failed_runs, dialog->handle);
         failed_runs.push_back(dialog->handle);
     }
@@ -320,6 +340,9 @@ bool vga_end_update(vga_dialog* dialog, bool quiet, NB_LONG verbs_outstanding) {
     }
     if (std::erase(failed_runs, dialog->handle) != 0) {
         vga_unmark_all();
+        if (!quiet) {
+            told.push_back(dialog->handle);
+        }
         vga_display_error_dialog(gvga_main_dialog, 276, "updatefail",
                                  quiet ? nullptr : vga_failed_update_cb, dialog->handle, "");
     } else if (!quiet) {
@@ -329,8 +352,25 @@ bool vga_end_update(vga_dialog* dialog, bool quiet, NB_LONG verbs_outstanding) {
 }
 
 void vga_failed_update_cb(vga_dialog*, NB_ULONG arg, NB_ULONG) {
-    auto* dialog = static_cast<vga_dialog*>(nba_validate_handle(arg));
-    if (dialog != nullptr && dialog->open) {
-        vga_close_children(dialog, true, true);
+    if (std::erase(told, arg) != 0) {
+        vga_close_children(static_cast<vga_dialog*>(nba_validate_handle(arg)), true, true);
     }
+}
+
+void vga_leave_update(vga_dialog* dialog, const vga_node* node) {
+    std::erase(told, dialog->handle);
+    if (node == nullptr) {
+        return;
+    }
+    for (const NBA_QUEUE* queue : {&gvga_nof_queue, &gvga_immediate_nof_queue}) {
+        for (auto* entry = static_cast<VGA_QUEUE_ENTRY*>(nba_get_q_head(queue)); entry != nullptr;
+             entry = static_cast<VGA_QUEUE_ENTRY*>(entry->link.next->owner)) {
+            if (entry->corr == dialog->handle && entry->target == update_target() &&
+                entry->callback != nullptr) {
+                entry->corr = node->handle;
+                entry->callback = take_late;
+            }
+        }
+    }
+    vga_end_update(dialog, true, 0);
 }

@@ -140,11 +140,11 @@ bool is_system_verb(NB_USHORT opcode) {
     return std::ranges::binary_search(system_verbs, opcode, {}, &VERB_ROW<vga_system>::opcode);
 }
 
-// The completion of a definition that the store re-issued.
+// The completion of a definition that the store re-issued. node: null when it has gone.
 void take_update(VGA_COMPLETION* completion, vga_node* node) {
     if (is_system_verb(vcb_header(completion->vcb)->opcode)) {
         dispatch(system_verbs, completion, gvga_system);
-    } else {
+    } else if (node != nullptr) {
         dispatch(node_verbs, completion, node);
     }
 }

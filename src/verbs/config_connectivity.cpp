@@ -31,6 +31,7 @@ NB_BYTE activation_flags(const LS_DEF& def) {
 
 // The PU that the link station's definition asks for; it loses one that it no longer asks for.
 void settle_pu(vga_ls* ls) {
+    vga_drop_stray_pus(ls->parent->parent->parent, ls->vcb->ls_name, ls);
     const bool local = vga_ls_has_local_pu(ls->vcb);
     if (!local && !vga_ls_has_down_pu(ls->vcb)) {
         if (vga_pu* pu = ls->pu_entry; pu != nullptr) {
@@ -43,7 +44,13 @@ void settle_pu(vga_ls* ls) {
     const bool is_new = ntl_avl_find(local ? &node->local_pu_tree : &node->down_pu_tree,
                                      local ? def.pu_name : def.dspu_name) == nullptr;
     vga_pu* pu = vga_add_ls_pu(ls);
-    if (pu != nullptr && is_new) {
+    if (pu == nullptr) {
+        return;
+    }
+    if (!local) {
+        pu->vcb.host_attachment = def.dspu_services;
+    }
+    if (is_new) {
         vga_copy_name(pu->vcb.description, def.description);
         pu->vcb.conventional_lu_compression = def.parameter490;
     }
@@ -150,6 +157,7 @@ void vga_process_del_ls(VGA_COMPLETION* completion, vga_node* node) {
     if (auto* ls = vga_status_find<vga_ls>(node->ls_tree, block.name); ls != nullptr) {
         vga_delete_vga_ls(ls, true);
     }
+    vga_drop_stray_pus(node, reinterpret_cast<const char*>(block.name), nullptr);
 }
 
 // ---- PU without a link station ----

@@ -49,6 +49,7 @@ vga_rem_sys* define_system(vga_node* node, const DIRECTORY_ENTRY& entry) {
     }
     rem_sys = vga_insert_vga_rem_sys(rem_sys, node);
     rem_sys->vcb = entry;
+    vga_update_viewer(&node->rem_sys_root, &rem_sys->viewer);
     return rem_sys;
 }
 

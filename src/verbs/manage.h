@@ -23,7 +23,6 @@ struct vga_dialog;
 struct vga_manage_hooks {
     void (*ask_start_ls)(vga_ls*); // the dialog: activate now, or enable
     void (*ask_stop_ls)(vga_ls*);  // the dialog: stop, or disable as well
-    void (*clear_message_bar)(vga_node*);
     // The node became active, or is stopped: controls of open dialogs that need an active node.
     void (*node_controls)(vga_node*, bool active);
 };

@@ -66,8 +66,8 @@ bool vga_process_init_node(vga_node* node, const void* vcb) {
         }
         tell_controls(node, true);
     } else if (!active) {
-        if (gvga_manage_hooks.clear_message_bar != nullptr) {
-            gvga_manage_hooks.clear_message_bar(node);
+        if (gvga_store_hooks.clear_message_bar != nullptr) {
+            gvga_store_hooks.clear_message_bar(node);
         }
         vga_show_answer(row, vcb, vga_subject(node));
     }

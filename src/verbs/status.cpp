@@ -65,6 +65,7 @@ void vga_install_status_handlers() {
     gvga_dispatch.nof_status = vga_process_nof_status_ind;
     gvga_dispatch.server = vga_process_server_ind;
     gvga_dispatch.sna_net = vga_process_sna_net_ind;
+    gvga_store_hooks.implicit_ls = vga_query_implicit_ls;
 }
 
 void vga_indication_handler(VGA_COMPLETION* completion, void* block) {

@@ -48,6 +48,8 @@ void vga_process_mode_ind(vga_node* node, const void* block);
 void vga_process_dir_ind(vga_node* node, const void* block);
 void vga_process_ipbridge_ind(vga_node* node, const void* block); // sessions of APPC over IP
 
+// Asks for a link station made by the node, which is not in the store; logs a failure.
+void vga_query_implicit_ls(vga_node* node, const char* ls_name);
 // Completions of the queries that indications lead to.
 void vga_check_one_port(VGA_COMPLETION* completion);    // a port that became active
 void vga_build_implicit_ls(VGA_COMPLETION* completion); // a link station made by its activation

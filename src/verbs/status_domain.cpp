@@ -53,6 +53,7 @@ void report_dead(vga_node* node) {
                             node->node_name);
     if (vsm_is_client_server()) {
         vga_free_node_resources(node, true, nullptr);
+        vga_build_next_action(0, nullptr); // the build may have waited for it alone
     } else {
         node->tp_load_handle = 0; // its loss is indicated as well; one message will do
     }
@@ -83,6 +84,8 @@ void server_up(vga_node* node, NB_ULONG flags) {
         if (role == VGA_ROLE_LOCAL_SERVER) {
             vga_rebuild_system();
             vga_rebuild_sna_net();
+        } else {
+            vga_build_without_files();
         }
     }
     node->server_role = role;
@@ -96,18 +99,22 @@ void server_down(vga_node* node) {
     if (node->server_role == VGA_ROLE_LOCAL_SERVER) {
         vga_free_system_resources(true, nullptr);
         vga_free_sna_net_resources(nullptr);
+        vga_build_without_files();
     }
     report_dead(node);
 }
 
-// A node that was not known, in the store and with its build started; null: exit code 1 is set.
+// A node that was not known, in the store; its build starts now, or with that of all. Null: exit
+// code 1 is set.
 vga_node* add_server(const NODE_ALL_ENTRY& entry) {
     vga_node* node = vga_init_vga_node(&entry);
     if (node == nullptr) {
         return nullptr;
     }
     node = vga_insert_vga_node(node);
-    vga_start_build_node(node);
+    if ((gvga_system->build_flags & vga_flag(VGA_SYSTEM_NODE_LIST)) == 0) {
+        vga_start_build_node(node);
+    }
     return node;
 }
 
@@ -131,8 +138,10 @@ void vga_process_nof_status_ind(VGA_COMPLETION* completion, void* block) {
     const auto lost = [&ind](NB_HANDLE handle) { return handle != 0 && handle == ind.handle; };
     if (lost(gvga_system->sna_net_handle)) {
         vga_free_sna_net_resources(nullptr);
+        vga_build_without_files();
     } else if (lost(gvga_system->config_file_handle) || ind.status == NAP_STATUS_MASTER_LOST) {
         vga_free_system_resources(ind.status != NAP_STATUS_MASTER_LOST, nullptr);
+        vga_build_without_files();
     } else if (vga_node* node = vga_find_node_by_handle(ind.handle); node != nullptr) {
         if (node->server_role == VGA_ROLE_LOCAL_SERVER) {
             forget(gvga_system->local_server);
@@ -170,5 +179,6 @@ void vga_process_server_ind(VGA_COMPLETION* completion, void* block) {
 void vga_process_sna_net_ind(VGA_COMPLETION* completion, void*) {
     if (nba_validate_handle(completion->corr) != nullptr) {
         vga_free_sna_net_resources(nullptr);
+        vga_build_without_files();
     }
 }

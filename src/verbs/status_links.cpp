@@ -104,14 +104,18 @@ void vga_process_ls_ind(vga_node* node, const void* block) {
     const auto& ind = *static_cast<const LS_INDICATION*>(block);
     auto* ls = vga_status_find<vga_ls>(node->ls_tree, ind.ls_name);
     if (ls == nullptr) {
-        if (ind.new_state == NOF_LS_ACTIVATED &&
-            !vga_issue_query_ls(node, nullptr, ind.ls_name, 1, node->handle,
-                                vga_build_implicit_ls)) {
-            vga_log_unknown_local(11, ind.header.opcode, ind.ls_name);
+        if (ind.new_state == NOF_LS_ACTIVATED) {
+            vga_query_implicit_ls(node, ind.ls_name);
         }
         return;
     }
     LS_DETAIL& detail = ls->vcb->det;
+    if (ls->restart_check != 0 && ind.change != WENT) {
+        ls->restart_check = 0;      // the list of the check may have passed its place
+        if (detail.implicit == 1) { // another link of the same name, when the end of one was lost
+            vga_query_implicit_ls(node, ind.ls_name);
+        }
+    }
     const NB_BYTE old_state = detail.state;
     take_state(ls->vcb, ind.new_state);
     detail.active_sessions = ind.active_sessions;
@@ -130,6 +134,12 @@ void vga_process_ls_ind(vga_node* node, const void* block) {
     }
     if (detail.state != old_state) {
         vga_status_redraw(gvga_status_hooks.update_ls, ls);
+    }
+}
+
+void vga_query_implicit_ls(vga_node* node, const char* ls_name) {
+    if (!vga_issue_query_ls(node, nullptr, ls_name, 1, node->handle, vga_build_implicit_ls)) {
+        vga_log_unknown_local(11, NAP_LS_INDICATION, ls_name);
     }
 }
 
