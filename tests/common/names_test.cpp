@@ -35,6 +35,8 @@ TEST(Names, CheckName) {
         {NBA_TYPE_A, "L U", false},       {NBA_TYPE_A, " LU", false},
         {NBA_TYPE_A, "", true},           {NBA_TYPE_A, "ABCDEFGH", true},
         {NBA_TYPE_AE, "pass.Word", true}, {NBA_TYPE_AE, "pa-ss", false},
+        {NBA_TYPE_AE, "A B", false},      {NBA_TYPE_AE, "1ab", true},
+        {NBA_TYPE_AE, "\xC4RGER", false},
     };
     for (const auto& each : cases) {
         const std::string name = field(each.name, 9);

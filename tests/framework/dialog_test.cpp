@@ -3,7 +3,7 @@
 #include "common/alloc.h"
 #include "shell/globals.h"
 #include "shell/messages.h"
-#include "shell/verb_queue.h"
+#include "store/record_util.h"
 #include "ui/framework/texts.h"
 #include "ui/framework/widget_tree.h"
 
@@ -41,6 +41,18 @@ TEST_F(Dialog, RefusedCloseKeepsTheParentOpen) {
     test_refuse_close = false;
     EXPECT_TRUE(vga_close_children(window, false, false)); // the children alone
     EXPECT_TRUE(window->open && !dialog->open);
+}
+
+TEST_F(Dialog, WhoseRecordGoesStaysWithoutItsChildren) {
+    vga_dialog* dialog = show(VGA_UID_LU62_DIALOG, main_window);
+    vga_dialog* sub = show(VGA_UID_LU62_ADV_DIALOG, dialog);
+    int record = 0;
+    dialog->parent_item = &record;
+    vga_dialog* of_record = dialog;
+    vga_detach(&of_record, &record, "dialog->parent_item == &record");
+    EXPECT_EQ(of_record, nullptr);
+    EXPECT_EQ(dialog->parent_item, nullptr);
+    EXPECT_TRUE(dialog->open && !sub->open);
 }
 
 TEST_F(Dialog, ClosedDescriptorIsUsedAgainByItsParent) {
@@ -93,35 +105,6 @@ TEST_F(Dialog, NoMemoryForADescriptorIsFatal) {
     EXPECT_EQ(get(VGA_UID_LU62_ADV_DIALOG, window), nullptr);
     vga_fail_allocation(0);
     EXPECT_EQ(gvga_exit_code, VGA_EXIT_INTERNAL);
-}
-
-// Its handle lives on with the descriptor, so an answer for the last record would reach the next.
-TEST_F(Dialog, ClosingForgetsTheDialogsVerbs) {
-    vga_dialog* dialog = show(VGA_UID_LU62_DIALOG, main_window);
-    VGA_QUEUE_ENTRY entries[2]{};
-    for (VGA_QUEUE_ENTRY& entry : entries) {
-        entry.issued = 1;
-        entry.callback = [](VGA_COMPLETION*) {};
-        nba_add_to_q_tail(&gvga_nof_queue, &entry.link, &entry);
-    }
-    entries[0].corr = dialog->handle;
-    entries[1].corr = main_window->handle;
-    vga_close_children(dialog, true, false);
-    EXPECT_EQ(entries[0].callback, nullptr);
-    EXPECT_NE(entries[1].callback, nullptr);
-    for (VGA_QUEUE_ENTRY& entry : entries) {
-        nba_remove_from_q(&entry.link);
-    }
-}
-
-TEST_F(Dialog, CancelButtonAndWindowManagerClose) {
-    vga_dialog* dialog = show(VGA_UID_LU62_DIALOG, main_window);
-    click(vga_dialog_button(dialog->widget, VGA_BUTTON_CANCEL));
-    EXPECT_FALSE(dialog->open);
-    vga_dialog* window = show(VGA_UID_TN_WINDOW, main_window);
-    XmAnyCallbackStruct call{XmCR_WM_PROTOCOLS, nullptr};
-    vga_close_cb(window->shell, window, &call);
-    EXPECT_FALSE(window->open);
 }
 
 TEST_F(Dialog, NameInTheTitleStandsThereOnce) {

@@ -2,12 +2,14 @@
 
 #include "common/names.h"
 #include "nof/vcb.h"
+#include "shell/messages.h"
 #include "ui/framework/field_table.h"
 
 #include <Xm/XmAll.h>
 
 #include <cstring>
 #include <string>
+#include <utility>
 
 namespace {
 
@@ -21,6 +23,7 @@ struct IMAGE {
     NB_FQNAME fq_name;
     NB_BE32 node_id;
     NB_USHORT number;
+    NB_ULONG wide;
     NB_BE16 big;
     NB_BYTE hex[3];
     NB_BYTE byte;
@@ -53,60 +56,47 @@ bool must_be_seven(TEST_FORM* form, IMAGE* image) {
     return image->number == 7 || vga_refuse_field(&form->form.common, form->first, {404, "check"});
 }
 
-constexpr VGA_FIELD text_row{
-    .kind = LOCAL_TEXT, .widget = first, .place = VGA_PLACE(IMAGE, text), .clear_next = true};
-constexpr VGA_FIELD local_row{
-    .kind = LOCAL_NAME, .widget = first, .place = VGA_PLACE(IMAGE, local), .empty = 401};
-constexpr VGA_FIELD name_row{
-    .kind = NAME_A, .widget = first, .place = VGA_PLACE(IMAGE, name), .empty = 401, .bad = 402};
-constexpr VGA_FIELD fq_row{.kind = FQ_NAME,
-                           .widget = first,
-                           .second = second,
-                           .place = VGA_PLACE(IMAGE, fq_name),
-                           .bad = 402};
-constexpr VGA_FIELD wildcard_row{.kind = FQ_WILDCARD,
-                                 .widget = first,
-                                 .second = second,
-                                 .place = VGA_PLACE(IMAGE, fq_name),
-                                 .bad = 402};
-constexpr VGA_FIELD id_row{.kind = NODE_ID,
-                           .widget = first,
-                           .second = second,
-                           .place = VGA_PLACE(IMAGE, node_id),
-                           .empty = 401,
-                           .bad = 402};
-constexpr VGA_FIELD number_row{.kind = DECIMAL,
-                               .widget = first,
-                               .place = VGA_PLACE(IMAGE, number),
-                               .empty = 401,
-                               .range = 403,
-                               .minimum = 1,
-                               .maximum = 1000};
-constexpr VGA_FIELD optional_row{.kind = DECIMAL,
-                                 .widget = first,
-                                 .place = VGA_PLACE(IMAGE, number),
-                                 .range = 403,
-                                 .maximum = 1000,
-                                 .empty_value = 0xFFFF};
-constexpr VGA_FIELD bounded_row{.kind = DECIMAL,
-                                .widget = first,
-                                .place = VGA_PLACE(IMAGE, number),
-                                .empty = 401,
-                                .range = 403,
-                                .bounds = VGA_TYPED<up_to_big>::call};
-constexpr VGA_FIELD big_row{.kind = DECIMAL,
-                            .widget = first,
-                            .place = VGA_PLACE(IMAGE, big),
-                            .range = 403,
-                            .maximum = 65535,
-                            .big_endian = true};
-constexpr VGA_FIELD checked_row{.kind = DECIMAL,
-                                .widget = first,
-                                .place = VGA_PLACE(IMAGE, number),
-                                .maximum = 1000,
-                                .check = VGA_TYPED<must_be_seven>::call};
-constexpr VGA_FIELD hex_row{
-    .kind = HEX, .widget = first, .place = VGA_PLACE(IMAGE, hex), .empty = 401, .bad = 402};
+// Fields of texts; empty: the message for an empty one, 0: it may be empty.
+constexpr VGA_FIELD row_of(VGA_FIELD_KIND kind, VGA_FIELD_PLACE place, int empty = 401) {
+    VGA_FIELD field{.kind = kind, .widget = first, .place = place};
+    if (kind == FQ_NAME || kind == FQ_WILDCARD || kind == NODE_ID) {
+        field.second = second;
+    }
+    field.empty = empty;
+    field.range = 403;
+    field.bad = 402;
+    return field;
+}
+constexpr VGA_FIELD decimal(VGA_FIELD_PLACE place, NB_ULONG minimum, NB_ULONG maximum,
+                            int empty = 401) {
+    VGA_FIELD field = row_of(DECIMAL, place, empty);
+    field.minimum = minimum;
+    field.maximum = maximum;
+    field.empty_value = 0xFFFF;
+    return field;
+}
+constexpr VGA_FIELD changed(VGA_FIELD field, void (*change)(VGA_FIELD&)) {
+    change(field);
+    return field;
+}
+constexpr VGA_FIELD text_row = changed(row_of(LOCAL_TEXT, VGA_PLACE(IMAGE, text), 0),
+                                       [](VGA_FIELD& field) { field.clear_next = true; });
+constexpr VGA_FIELD local_row = row_of(LOCAL_NAME, VGA_PLACE(IMAGE, local));
+constexpr VGA_FIELD name_row = row_of(NAME_A, VGA_PLACE(IMAGE, name));
+constexpr VGA_FIELD fq_row = row_of(FQ_NAME, VGA_PLACE(IMAGE, fq_name));
+constexpr VGA_FIELD wildcard_row = row_of(FQ_WILDCARD, VGA_PLACE(IMAGE, fq_name));
+constexpr VGA_FIELD id_row = row_of(NODE_ID, VGA_PLACE(IMAGE, node_id));
+constexpr VGA_FIELD optional_id_row = row_of(NODE_ID, VGA_PLACE(IMAGE, node_id), 0);
+constexpr VGA_FIELD number_row = decimal(VGA_PLACE(IMAGE, number), 1, 1000);
+constexpr VGA_FIELD wide_row = decimal(VGA_PLACE(IMAGE, wide), 1, 4'000'000'000);
+constexpr VGA_FIELD optional_row = decimal(VGA_PLACE(IMAGE, number), 0, 1000, 0);
+constexpr VGA_FIELD bounded_row =
+    changed(number_row, [](VGA_FIELD& field) { field.bounds = VGA_TYPED<up_to_big>::call; });
+constexpr VGA_FIELD big_row = changed(decimal(VGA_PLACE(IMAGE, big), 0, 65535),
+                                      [](VGA_FIELD& field) { field.big_endian = true; });
+constexpr VGA_FIELD checked_row =
+    changed(number_row, [](VGA_FIELD& field) { field.check = VGA_TYPED<must_be_seven>::call; });
+constexpr VGA_FIELD hex_row = row_of(HEX, VGA_PLACE(IMAGE, hex));
 constexpr VGA_FIELD unused_row{.kind = LOCAL_NAME,
                                .widget = first,
                                .label = FORM_WIDGET(label, "Label"),
@@ -195,8 +185,8 @@ TEST_F(FieldTable, TextsAreReadAndShown) {
         const char* what;
         const VGA_FIELD* row;
         const char* typed[2];
-        const char* refused; // "": read
-        const char* shown[2];
+        const char* refused;  // "": read
+        const char* shown[2]; // "focus" of one that is refused: it is the second field's fault
     } cases[] = {
         {"text that fits", &text_row, {"seven77"}, "", {"seven77"}},
         {"text too long by one", &text_row, {"eight888"}, "", {"eight88"}},
@@ -214,10 +204,21 @@ TEST_F(FieldTable, TextsAreReadAndShown) {
         {"node identifier", &id_row, {"05D", "00a12"}, "", {"05d", "00a12"}},
         {"short identifier", &id_row, {"05", "00a12"}, "own", {}},
         {"no identifier", &id_row, {"", ""}, "own", {}},
+        {"identifier of zeros", &optional_id_row, {"", ""}, "", {"000", "00000"}},
+        {"identifier without its block", &optional_id_row, {"", "00a12"}, "own", {}},
+        {"short second half", &optional_id_row, {"05D", "0a12"}, "own", {nullptr, "focus"}},
+        {"no second half", &optional_id_row, {"05D", ""}, "own", {nullptr, "focus"}},
         {"number", &number_row, {"1000"}, "", {"1000"}},
         {"number beyond", &number_row, {"1001"}, "own", {}},
         {"number below", &number_row, {"0"}, "own", {}},
         {"no number", &number_row, {""}, "own", {}},
+        {"letters behind a number", &number_row, {"12x4"}, "", {"12"}},
+        {"no digit", &number_row, {"x"}, "own", {}},
+        {"widest number", &wide_row, {"4000000000"}, "", {"4000000000"}},
+        {"number beyond the widest", &wide_row, {"4000000001"}, "own", {}},
+        {"number below 0", &wide_row, {"-1"}, "own", {}},
+        {"number that would wrap round", &wide_row, {"4294967297"}, "own", {}},
+        {"number of many digits", &wide_row, {"99999999999999999999"}, "own", {}},
         {"optional number", &optional_row, {"0"}, "", {"0"}},
         {"no optional number", &optional_row, {""}, "", {""}},
         {"big-endian", &big_row, {"513"}, "", {"513"}},
@@ -236,6 +237,8 @@ TEST_F(FieldTable, TextsAreReadAndShown) {
         type(c.typed[0], c.typed[1] != nullptr ? c.typed[1] : "");
         EXPECT_EQ(read(&image), c.refused);
         if (c.refused[0] != '\0') {
+            EXPECT_EQ(XmGetFocusWidget(main_window->shell),
+                      c.shown[1] != nullptr ? form->second : form->first);
             continue;
         }
         type("?", "?");
@@ -273,15 +276,19 @@ TEST_F(FieldTable, BytesAreThoseOfTheNode) {
     EXPECT_EQ(image.hex[0], 0x77) << "beyond the fields that were read";
 }
 
-TEST_F(FieldTable, BoundsMayDependOnWhatWasRead) {
+TEST_F(FieldTable, BoundsMayDependOnWhatWasReadAndAreTold) {
     use(bounded_row);
+    const char* const kept = std::exchange(gvga_messages[403], "%1 to %2");
     IMAGE image{};
     image.big.set(10);
     type("10");
     EXPECT_EQ(read(&image), "");
     type("11");
-    EXPECT_EQ(read(&image), "own");
-    EXPECT_EQ(XmGetFocusWidget(main_window->shell), form->first);
+    EXPECT_FALSE(vga_read_fields(&form->form, &image));
+    settle();
+    EXPECT_EQ(message_of(main_window), "1 to 10");
+    vga_close_modal_dialog(main_window);
+    gvga_messages[403] = kept;
 }
 
 TEST_F(FieldTable, ChoicesAreCodes) {

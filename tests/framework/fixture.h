@@ -4,9 +4,9 @@
 
 #include <gtest/gtest.h> // before the X headers, whose macros it does not bear
 
+#include "kit/pointer.h"
 #include "ui/framework/dialog.h"
 
-#include <functional>
 #include <string>
 #include <vector>
 
@@ -21,8 +21,6 @@ protected:
     void SetUp() override;
     void TearDown() override;
 
-    // Processes events until the condition holds; false after five seconds.
-    static bool wait(const std::function<bool()>& condition);
     // Until nothing happens any more: the server has seen every request and no timer is due.
     static void settle();
 

@@ -1,6 +1,5 @@
 #include "framework/fixture.h"
 
-#include "kit/pointer.h"
 #include "shell/globals.h"
 #include "shell/messages.h"
 #include "shell/uid_file.h"
@@ -9,9 +8,7 @@
 #include "ui/framework/window_menu.h"
 
 #include <Mrm/MrmPublic.h>
-#include <X11/extensions/XTest.h>
 
-#include <chrono>
 #include <cstdlib>
 #include <filesystem>
 #include <unistd.h>
@@ -131,7 +128,8 @@ void FrameworkTest::SetUp() {
     test_find_widgets = true;
     gvga_exit_code = 0;
     gvga_main_dialog = main_window = show(VGA_UID_SYSTEM_WINDOW, nullptr);
-    ASSERT_TRUE(wait([&] { return main_window != nullptr && XtIsRealized(main_window->shell); }));
+    ASSERT_TRUE(kit::pump_until(
+        [&] { return main_window != nullptr && XtIsRealized(main_window->shell); }));
     test_log.clear();
 }
 
@@ -144,33 +142,13 @@ void FrameworkTest::TearDown() {
     settle();
 }
 
-bool FrameworkTest::wait(const std::function<bool()>& condition) {
-    const auto deadline = std::chrono::steady_clock::now() + std::chrono::seconds(5);
-    bool tick = false; // wakes a loop without events, so that the deadline is looked at
-    XtTimerCallbackProc set = [](XtPointer flag, XtIntervalId*) {
-        *static_cast<bool*>(flag) = true;
-    };
-    while (!condition()) {
-        if (std::chrono::steady_clock::now() > deadline) {
-            return false;
-        }
-        tick = false;
-        const XtIntervalId timer = XtAppAddTimeOut(gvga_appcontext, 20, set, &tick);
-        XtAppProcessEvent(gvga_appcontext, XtIMAll);
-        if (!tick) {
-            XtRemoveTimeOut(timer);
-        }
-    }
-    return true;
-}
-
 void FrameworkTest::settle() {
     bool late = false; // longer than the timers of the framework
     XtAppAddTimeOut(
         gvga_appcontext, 30,
         [](XtPointer flag, XtIntervalId*) { *static_cast<bool*>(flag) = true; }, &late);
     XSync(gvga_display, False);
-    wait([&] { return late && XtAppPending(gvga_appcontext) == 0; });
+    kit::pump_until([&] { return late && XtAppPending(gvga_appcontext) == 0; });
 }
 
 vga_dialog* FrameworkTest::get(NB_USHORT id, vga_dialog* parent) {
@@ -189,18 +167,18 @@ vga_dialog* FrameworkTest::show(NB_USHORT id, vga_dialog* parent) {
 }
 
 void FrameworkTest::move_to(Widget widget) {
-    EXPECT_TRUE(wait([widget] { return kit::point_at(widget); })) << XtName(widget);
+    EXPECT_TRUE(kit::pump_until([widget] { return kit::point_at(widget); })) << XtName(widget);
     settle();
 }
 
 void FrameworkTest::press(Widget widget) {
     move_to(widget);
-    XTestFakeButtonEvent(gvga_display, 1, True, CurrentTime);
+    kit::press_button(true);
     settle();
 }
 
 void FrameworkTest::release() {
-    XTestFakeButtonEvent(gvga_display, 1, False, CurrentTime);
+    kit::press_button(false);
     settle();
 }
 
@@ -210,9 +188,7 @@ void FrameworkTest::click(Widget widget) {
 }
 
 void FrameworkTest::key(KeySym symbol) {
-    const KeyCode code = XKeysymToKeycode(gvga_display, symbol);
-    XTestFakeKeyEvent(gvga_display, code, True, CurrentTime);
-    XTestFakeKeyEvent(gvga_display, code, False, CurrentTime);
+    kit::strike(symbol);
     settle();
 }
 
@@ -232,10 +208,5 @@ std::string FrameworkTest::text_of(int message) {
 std::string FrameworkTest::label_of(Widget widget) {
     XmString string = nullptr;
     XtVaGetValues(widget, XmNlabelString, &string, nullptr);
-    auto* text = static_cast<char*>(
-        XmStringUnparse(string, nullptr, XmCHARSET_TEXT, XmCHARSET_TEXT, nullptr, 0, XmOUTPUT_ALL));
-    const std::string result = text != nullptr ? text : "";
-    XtFree(text);
-    XmStringFree(string);
-    return result;
+    return kit::plain(string);
 }

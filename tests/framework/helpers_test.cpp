@@ -88,6 +88,14 @@ TEST_F(Helpers, WindowsMenuNumbersItsNodesWithoutGaps) {
     EXPECT_TRUE(test_log.empty());
     vga_remove_all_node_window_widgets(menu);
     EXPECT_TRUE(labels().empty());
+    // The screen has no room for all of them below each other.
+    for (int i = 0; i < 100; ++i) {
+        XtVaCreateManagedWidget("Filler", xmPushButtonWidgetClass, menu, nullptr);
+    }
+    vga_add_node_window_widget(menu, &domain.nodes[1]);
+    short columns = 0;
+    XtVaGetValues(menu, XmNnumColumns, &columns, nullptr);
+    EXPECT_GT(columns, 1);
     EXPECT_EQ(vga_node_widget_mnemonic(10), static_cast<KeySym>(NoSymbol));
 }
 

@@ -1,7 +1,6 @@
 #include "framework/fixture.h"
 
 #include "common/alloc.h"
-#include "kit/pointer.h"
 #include "nof/opcodes.h"
 #include "shell/globals.h"
 #include "shell/messages.h"
@@ -36,7 +35,7 @@ protected:
     void key(KeySym symbol) {
         if (main_window->modal_dlg.open) {
             const Window box = XtWindow(main_window->modal_dlg.shell);
-            EXPECT_TRUE(wait([box] { return kit::focus_window() == box; }));
+            EXPECT_TRUE(kit::pump_until([box] { return kit::focus_window() == box; }));
         }
         FrameworkTest::key(symbol);
     }
@@ -121,6 +120,20 @@ TEST_F(MessageBox, ButtonsAndTitleFollowTheKind) {
                  XtIsManaged(box.ok_to_all_button));
     key(XK_Escape); // with nothing to decide the same as OK
     EXPECT_EQ(shown(), "");
+}
+
+// Also in a box that has shown a shorter one.
+TEST_F(MessageBox, MessageFitsIntoTheBox) {
+    for (const std::size_t length : {20, 60, 5, 40}) {
+        error(std::string(length, 'm').c_str());
+        Widget text = XmMessageBoxGetChild(main_window->modal_dlg.dialog, XmDIALOG_MESSAGE_LABEL);
+        Dimension width = 0;
+        XtVaGetValues(text, XmNwidth, &width, nullptr);
+        XtWidgetGeometry wanted;
+        XtQueryGeometry(text, nullptr, &wanted);
+        EXPECT_GE(width, wanted.width) << length;
+        click(ok());
+    }
 }
 
 TEST_F(MessageBox, TabGoesThroughTheButtons) {

@@ -28,15 +28,6 @@ void expect_sound(const std::vector<std::string>& faults, const std::string& wha
     }
 }
 
-TEST(Fuzz, ScriptsSurviveTheirPacking) {
-    bool client_server;
-    for (const SCRIPT& script : seeds()) {
-        const Bytes bytes = pack(true, script);
-        EXPECT_EQ(pack(true, unpack(bytes, &client_server)), bytes);
-        EXPECT_TRUE(client_server);
-    }
-}
-
 TEST(Fuzz, EverySeedLeavesTheStoreSound) {
     int number = 0;
     SCRIPT together;

@@ -8,7 +8,6 @@
 #include "ui/framework/dialog.h"
 #include "ui/viewer/viewer_type.h"
 
-#include <X11/extensions/XTest.h>
 #include <Xm/MessageB.h>
 #include <Xm/Xm.h>
 
@@ -164,29 +163,17 @@ void CONSOLE::move_to(Widget widget, int x, int y) {
 
 void CONSOLE::press(Widget widget, int x, int y) {
     move_to(widget, x, y);
-    XTestFakeButtonEvent(gvga_display, 1, True, CurrentTime);
+    press_button(true);
     wait_idle();
 }
 
 void CONSOLE::release() {
-    XTestFakeButtonEvent(gvga_display, 1, False, CurrentTime);
+    press_button(false);
     wait_idle();
 }
 
-void CONSOLE::modify(unsigned modifiers, bool down) {
-    for (const auto& [mask, key] :
-         {std::pair{ShiftMask, XK_Shift_L}, std::pair{ControlMask, XK_Control_L},
-          std::pair{Mod1Mask, XK_Alt_L}}) {
-        if ((modifiers & static_cast<unsigned>(mask)) != 0) {
-            XTestFakeKeyEvent(gvga_display,
-                              XKeysymToKeycode(gvga_display, static_cast<KeySym>(key)), down,
-                              CurrentTime);
-        }
-    }
-}
-
 void CONSOLE::click(Widget widget, int x, int y, unsigned modifiers, int count) {
-    modify(modifiers, true);
+    hold(modifiers, true);
     // However busy the machine is, the clicks belong together and those before do not.
     const int multi_click_time = XtGetMultiClickTime(gvga_display);
     for (int i = 0; i < count; ++i) {
@@ -198,7 +185,7 @@ void CONSOLE::click(Widget widget, int x, int y, unsigned modifiers, int count) 
     }
     XtSetMultiClickTime(gvga_display, multi_click_time);
     if (modifiers != 0) {
-        modify(modifiers, false);
+        hold(modifiers, false);
         wait_idle();
     }
 }
@@ -213,7 +200,8 @@ void CONSOLE::click(Widget widget) {
 void CONSOLE::note_windows() {
     std::set<Window> windows;
     each_dialog([&](const vga_dialog& dialog) {
-        for (Widget shell : {dialog.shell, dialog.modal_dlg.open ? dialog.modal_dlg.shell : nullptr}) {
+        for (Widget shell :
+             {dialog.shell, dialog.modal_dlg.open ? dialog.modal_dlg.shell : nullptr}) {
             if (shell != nullptr && XtIsRealized(shell)) {
                 windows.insert(XtWindow(shell));
             }
@@ -239,11 +227,7 @@ bool CONSOLE::wait_keyboard() {
 
 void CONSOLE::strike(KeySym key, unsigned modifiers) {
     EXPECT_TRUE(wait_keyboard());
-    modify(modifiers, true);
-    const KeyCode code = XKeysymToKeycode(gvga_display, key);
-    XTestFakeKeyEvent(gvga_display, code, True, CurrentTime);
-    XTestFakeKeyEvent(gvga_display, code, False, CurrentTime);
-    modify(modifiers, false);
+    kit::strike(key, modifiers);
     XFlush(gvga_display);
 }
 
@@ -282,12 +266,7 @@ std::string CONSOLE::message() {
     }
     XmString text;
     XtVaGetValues(dialog->modal_dlg.dialog, XmNmessageString, &text, nullptr);
-    auto* plain = static_cast<char*>(
-        XmStringUnparse(text, nullptr, XmCHARSET_TEXT, XmCHARSET_TEXT, nullptr, 0, XmOUTPUT_ALL));
-    std::string result = plain != nullptr ? plain : "";
-    XtFree(plain);
-    XmStringFree(text);
-    return result;
+    return plain(text);
 }
 
 bool CONSOLE::answer(const std::string& button) {

@@ -57,7 +57,6 @@ public:
     bool answer(const std::string& button);
 
 private:
-    void modify(unsigned modifiers, bool down);
     void move_to(Widget widget, int x, int y);
     void note_windows();
     bool wait_keyboard();

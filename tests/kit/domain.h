@@ -10,6 +10,7 @@ struct DOMAIN_NODE {
     std::string name;
     enum KIND { ACTIVE, STOPPED, UNCONFIGURED, BACK_LEVEL } kind = ACTIVE;
     int ports = 1;
+    bool busy = false; // LUs that the user "ann" uses, in a pool of the domain, and sessions
 };
 
 // The options that make a simulated node serve such a domain. The first node is the local server

@@ -1,7 +1,11 @@
-// The pointer and the keyboard as the X server and the window manager have them.
+// The pointer and the keyboard as the X server and the window manager have them, and an event loop
+// with a deadline.
 #pragma once
 
-#include <X11/Intrinsic.h>
+#include <Xm/Xm.h>
+
+#include <functional>
+#include <string>
 
 namespace kit {
 
@@ -12,5 +16,17 @@ bool point_at(Widget widget); // its middle
 
 // The window that has the keyboard. The window manager gives it to a new window in its own time.
 Window focus_window();
+
+// Real input; whoever expects something of it handles events. Modifiers are ShiftMask, ControlMask
+// and Mod1Mask.
+void press_button(bool down, unsigned button = 1);
+void hold(unsigned modifiers, bool down);
+void strike(KeySym key, unsigned modifiers = 0);
+
+// Handles events until the condition holds; whether it does before the deadline.
+bool pump_until(const std::function<bool()>& condition, int milliseconds = 10'000);
+
+// The text of a compound string, which is freed.
+std::string plain(XmString text);
 
 } // namespace kit

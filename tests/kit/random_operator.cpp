@@ -36,8 +36,8 @@ const RANDOM_OPERATOR::RULE RANDOM_OPERATOR::rules[] = {
      "!port=@port !adjacent_type=network-node|end-node|learn !host_pu=false "
      "!dspu_services=none adjacent_cp=NET.CP%4|NET.EN%3 description=~ tg_number=%20 on_demand=true"},
     {"ls", "S%12|@ls",
-     "!port=@port !adjacent_type=downstream !host_pu=false !dspu_services=concentration !dspu=V%5 "
-     "description=~ disable_remote=true|false"},
+     "!port=@port !adjacent_type=downstream !host_pu=false !dspu_services=concentration|dlur "
+     "!dspu=V%5 description=~ disable_remote=true|false"},
     {"dlur_pu", "U%8|W%3", "description=~ dlus=NET.CP%4 initially_active=true|false retry=true"},
     {"lu_0_to_3", "L%30|@lu_0_to_3",
      "!pu=@pu|@dlur_pu !nau=%40 description=~ model=display-2|display-5|printer|rje|unknown "
@@ -92,47 +92,12 @@ const RANDOM_OPERATOR::RULE RANDOM_OPERATOR::rules[] = {
 namespace {
 
 // What is deleted by its name.
-constexpr const char* deleted[] = {
-    "dlc",
-    "port",
-    "ls",
-    "ls",
-    "dlur_pu",
-    "lu_0_to_3",
-    "lu_0_to_3",
-    "lu_0_to_3",
-    "local_lu",
-    "downstream_lu",
-    "downstream_lu",
-    "mode_definition",
-    "directory",
-    "directory",
-    "partner_definition",
-    "cos",
-    "cn",
-    "cn_port",
-    "lu62_timeout",
-    "ls_routing",
-    "tp",
-    "tp_load",
-    "dspu_template",
-    "dslu_template",
-    "userid",
-    "access_list",
-    "access_user",
-    "lu_lu_password",
-    "tn_client",
-    "tn_session",
-    "association",
-    "redirect",
-    "pool",
-    "whole pool",
-    "extra_data",
-    "user",
-    "user_session",
-    "cpic",
-    "rje",
-};
+constexpr const char* deleted =
+    "dlc|port|ls|ls|dlur_pu|lu_0_to_3|lu_0_to_3|lu_0_to_3|local_lu|downstream_lu|downstream_lu|"
+    "mode_definition|directory|directory|partner_definition|cos|cn|cn_port|lu62_timeout|ls_routing|"
+    "tp|tp_load|dspu_template|dslu_template|userid|access_list|access_user|lu_lu_password|"
+    "tn_client|tn_session|association|redirect|pool|whole pool|extra_data|user|user_session|cpic|"
+    "rje";
 
 // Starts and stops, and what happens by itself.
 constexpr const char* changes[] = {
@@ -150,7 +115,8 @@ constexpr const char* changes[] = {
     "state dlc @dlc inactive|active",
     "state port @port inactive|active",
     "state ls @ls active|inactive|failed|starting|stopping",
-    "state ls @ls active|active|inactive|failed",
+    "state ls @ls active|active|inactive|failed|disabled",
+    "call-in @port NET.EN%3",
     "state pu @pu active|inactive",
     "state dlur_pu @dlur_pu active|inactive|starting|pending-retry",
     "state downstream_pu @downstream_pu active|inactive",
@@ -255,7 +221,7 @@ std::string RANDOM_OPERATOR::define() {
 }
 
 std::string RANDOM_OPERATOR::remove() {
-    std::string kind = deleted[pick(static_cast<int>(std::size(deleted)))];
+    const std::string kind = filled(deleted);
     if (kind == "whole pool") {
         const std::string member = some("pool"); // with its LU behind it, in quotes
         return member.empty() ? "" : run("delete pool " + member.substr(1, member.find(' ') - 1));

@@ -54,6 +54,5 @@ public:
     FakeService& operator=(const FakeService&) = delete;
 
 private:
-    std::string directory;
     pid_t pid;
 };

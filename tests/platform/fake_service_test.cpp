@@ -2,6 +2,8 @@
 #include <gtest/gtest.h>
 
 #include "fake_service.h"
+
+#include "kit/process.h"
 #include "nof/nof.h"
 
 #include <cstdlib>
@@ -105,10 +107,8 @@ void serve(int listener, bool client_server, const std::function<void(FakePeer&)
     _exit(0);
 }
 
-FakeService::FakeService(const std::function<void(FakePeer&)>& script, bool client_server)
-    : directory("/tmp/tessaly-test-XXXXXX") {
-    EXPECT_NE(mkdtemp(directory.data()), nullptr);
-    const std::string path = directory + "/node";
+FakeService::FakeService(const std::function<void(FakePeer&)>& script, bool client_server) {
+    const std::string path = kit::scratch() + "/node";
     const int listener = listen_at(path);
     EXPECT_GE(listener, 0);
     setenv("TESSALY_NODE_SOCKET", path.c_str(), 1);
@@ -124,7 +124,6 @@ FakeService::~FakeService() {
     int status = -1;
     waitpid(pid, &status, 0);
     EXPECT_EQ(status, 0) << "the script of the node service failed";
-    unlink((directory + "/node").c_str());
-    rmdir(directory.c_str());
+    unlink((kit::scratch() + "/node").c_str());
     unsetenv("TESSALY_NODE_SOCKET");
 }

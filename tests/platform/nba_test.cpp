@@ -92,26 +92,6 @@ TEST(Ebcdic, KnownCharactersAndTheWholeWayBack) {
     EXPECT_EQ(there, all);
 }
 
-TEST(Ebcdic, CharacterSets) {
-    const struct {
-        const char* text;
-        bool a;
-        bool ae;
-    } cases[] = {
-        {"", true, true},      {"NETID1", true, true}, {"#@$A9", true, true},
-        {"1ABC", false, true}, {"lower", false, true}, {"A.B", false, true},
-        {"A B", false, false}, {"A-B", false, false},  {"\xC4RGER", false, false},
-    };
-    for (const auto& test : cases) {
-        std::string field = test.text;
-        nba_local_to_ebcdic(field.data(), field.size());
-        EXPECT_EQ(nba_check_ebcdic(NBA_TYPE_A, field.data(), field.size()) != 0, test.a)
-            << test.text;
-        EXPECT_EQ(nba_check_ebcdic(NBA_TYPE_AE, field.data(), field.size()) != 0, test.ae)
-            << test.text;
-    }
-}
-
 TEST(Text, CopiesWholeCharactersOnly) {
     const std::string locale = std::setlocale(LC_CTYPE, nullptr);
     ASSERT_NE(std::setlocale(LC_CTYPE, "C.UTF-8"), nullptr);

@@ -304,6 +304,13 @@ template <auto Field, auto Value> void send_header(FakePeer& peer, const FakeReq
     peer.send_bytes(&header, sizeof header);
 }
 
+// The same of a header that is whole in itself.
+template <NB_USHORT kind, NB_ULONG block_length, NB_ULONG buffer_length>
+void send_whole_header(FakePeer& peer, const FakeRequest&) {
+    const WIRE_FRAME header = whole_frame(kind, 1, block_length, buffer_length);
+    peer.send_bytes(&header, sizeof header);
+}
+
 const Fault FAULTS[] = {
     {"Closes", [](FakePeer& peer, const FakeRequest&) { peer.leaves = true; }},
     {"HalfAFrame",
@@ -312,30 +319,17 @@ const Fault FAULTS[] = {
          peer.send_bytes(&request.header, 20);
      }},
     {"HalfABlock",
-     [](FakePeer& peer, const FakeRequest&) {
-         const WIRE_FRAME header = whole_frame(WIRE_ANSWER, 1, 24, 0);
-         peer.send_bytes(&header, sizeof header);
+     [](FakePeer& peer, const FakeRequest& request) {
+         send_whole_header<WIRE_ANSWER, 24, 0>(peer, request);
          peer.send_bytes("abc", 3);
          peer.leaves = true;
      }},
     {"LengthTooSmall", send_header<&WIRE_FRAME::length, 8u>},
     {"LengthNotTheSum", send_header<&WIRE_FRAME::block_length, 25u>},
     {"WrongVersion", send_header<&WIRE_FRAME::version, 99>},
-    {"UnknownKind",
-     [](FakePeer& peer, const FakeRequest&) {
-         const WIRE_FRAME header = whole_frame(0, 1, 0, 0);
-         peer.send_bytes(&header, sizeof header);
-     }},
-    {"BlockTooLarge",
-     [](FakePeer& peer, const FakeRequest&) {
-         const WIRE_FRAME header = whole_frame(WIRE_ANSWER, 1, WIRE_MAX_BLOCK + 1, 0);
-         peer.send_bytes(&header, sizeof header);
-     }},
-    {"BufferTooLarge",
-     [](FakePeer& peer, const FakeRequest&) {
-         const WIRE_FRAME header = whole_frame(WIRE_ANSWER, 1, 24, 0xFFFFFFF0);
-         peer.send_bytes(&header, sizeof header);
-     }},
+    {"UnknownKind", send_whole_header<0, 0, 0>},
+    {"BlockTooLarge", send_whole_header<WIRE_ANSWER, WIRE_MAX_BLOCK + 1, 0>},
+    {"BufferTooLarge", send_whole_header<WIRE_ANSWER, 24, 0xFFFFFFF0>},
     {"AnswerWithoutHeader",
      [](FakePeer& peer, const FakeRequest&) {
          peer.send_frame(whole_frame(WIRE_ANSWER, 1, 4, 0), "abcd", nullptr);

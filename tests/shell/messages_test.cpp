@@ -138,24 +138,4 @@ TEST_F(CatalogueTest, EndsStartUpWithoutACatalogueOrMemory) {
     EXPECT_EQ(gvga_exit_code, VGA_EXIT_START);
 }
 
-TEST_F(CatalogueTest, UsageNamesTheBadArgument) {
-    char program[] = "tessaly";
-    char bad[] = "-wrong";
-    char question[] = "-?";
-    const auto usage = [](bool report, char** argv) {
-        testing::internal::CaptureStdout();
-        vga_print_usage(report, argv);
-        std::fflush(stdout);
-        return testing::internal::GetCapturedStdout();
-    };
-    char* with_bad[] = {program, bad, nullptr};
-    char* with_question[] = {program, question, nullptr};
-    const std::string plain = usage(false, nullptr);
-    EXPECT_NE(plain.find("-size"), std::string::npos);
-    EXPECT_EQ(usage(true, with_question), plain);
-    const std::string reported = usage(true, with_bad);
-    EXPECT_NE(reported.find("-wrong"), std::string::npos);
-    EXPECT_NE(reported.find(plain), std::string::npos);
-}
-
 } // namespace

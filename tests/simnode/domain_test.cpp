@@ -12,28 +12,25 @@ TEST(DomainFile, ErrorsNameFileAndLine) {
         const char* text;
         const char* error; // part of it
     };
+#define NODE "[[node]]\nname = \"a\"\ncp_name = \"N.A\"\n"
     static constexpr Case cases[] = {
         {"[[node]\n", "d.toml:1: "},
         {"[[node]]\ncp_name = \"N.A\"\n", "d.toml:1: a node needs a name"},
         {"[[node]]\nname = \"a\"\n", "d.toml:1: node a has no cp_name"},
-        {"[[node]]\nname = \"a\"\ncp_name = \"N.A\"\nnonsense = 1\n", "d.toml:4: unknown key"},
-        {"[[node]]\nname = \"a\"\ncp_name = \"N.A\"\ntype = \"tree\"\n", "d.toml:4: not a value"},
-        {"[[node]]\nname = \"a\"\ncp_name = \"N.A\"\n[[node.dlc]]\nname = \"LONGERNAME\"\n",
-         "d.toml:5: name is longer than 8"},
-        {"[[node]]\nname = \"a\"\ncp_name = \"N.A\"\n[[node.port]]\nname = \"P\"\ndlc = \"E\"\n",
-         "d.toml:4: port P: what it belongs to"},
-        {"[[node]]\nname = \"a\"\ncp_name = \"N.A\"\n[[node.dlc]]\nname = \"E\"\n[[node.dlc]]\n"
-         "name = \"E\"\n",
+        {NODE "nonsense = 1\n", "d.toml:4: unknown key"},
+        {NODE "type = \"tree\"\n", "d.toml:4: not a value"},
+        {NODE "[[node.dlc]]\nname = \"LONGERNAME\"\n", "d.toml:5: name is longer than 8"},
+        {NODE "[[node.port]]\nname = \"P\"\ndlc = \"E\"\n", "d.toml:4: port P: what it belongs to"},
+        {NODE "[[node.dlc]]\nname = \"E\"\n[[node.dlc]]\n"
+              "name = \"E\"\n",
          "d.toml:6: dlc E is defined twice"},
-        {"[[node]]\nname = \"a\"\ncp_name = \"N.A\"\n[[node.local_lu]]\nname = \"L\"\nnau = 300\n",
-         "d.toml:6: not a value of nau"},
-        {"[[node]]\nname = \"a\"\ncp_name = \"N.A\"\n[[node.session]]\nlu = \"L\"\n",
-         "d.toml:4: session needs"},
-        {"[[node]]\nname = \"a\"\ncp_name = \"N.A\"\n[node.settings]\nslp = \"x\"\n",
-         "d.toml:5: setting slp"},
+        {NODE "[[node.local_lu]]\nname = \"L\"\nnau = 300\n", "d.toml:6: not a value of nau"},
+        {NODE "[[node.session]]\nlu = \"L\"\n", "d.toml:4: session needs"},
+        {NODE "[node.settings]\nslp = \"x\"\n", "d.toml:5: setting slp"},
         {"[domain]\nread_only_uids = [ \"root\" ]\n", "d.toml:2: read_only_uids"},
         {"[nodes]\n", "d.toml:1: unknown key nodes"},
     };
+#undef NODE
     for (const Case& c : cases) {
         Domain domain;
         std::string error;

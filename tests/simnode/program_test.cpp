@@ -2,43 +2,27 @@
 // several servers.
 #include "client.h"
 
+#include "kit/process.h"
 #include "nof/trace.h"
 #include "simnode/generate.h"
 
 #include <filesystem>
 #include <fstream>
-#include <sys/wait.h>
+#include <utility>
 
 namespace simnode_test {
 namespace {
 
 using simnode::Kind;
 
-const std::string programs = std::string(TESSALY_BUILD_DIR) + "/simnode/";
-
-struct Folder {
-    std::filesystem::path path;
-    Folder() {
-        char name[] = "/tmp/simnode-test-XXXXXX";
-        path = mkdtemp(name);
-    }
-    ~Folder() { std::filesystem::remove_all(path); }
-    std::string operator/(const char* name) const { return path / name; }
-};
+using Words = std::vector<std::string>;
 
 // Runs a program to its end; its output, both streams together, goes to text.
-int run_program(const std::string& command, std::string& text) {
-    text.clear();
-    FILE* output = popen((programs + command + " 2>&1").c_str(), "r");
-    if (output == nullptr) {
-        return -1;
-    }
-    char bytes[4096];
-    for (std::size_t n = 0; (n = fread(bytes, 1, sizeof bytes, output)) > 0;) {
-        text.append(bytes, n);
-    }
-    const int status = pclose(output);
-    return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
+int run_program(const char* name, Words words, std::string& text) {
+    words.insert(words.begin(), kit::program(name));
+    const kit::RESULT result = kit::run(words);
+    text = result.out + result.err;
+    return result.status;
 }
 
 // A service of its own process, which ends with this object.
@@ -47,21 +31,19 @@ struct Program {
     int lifeline = -1;
     bool ready = false;
 
-    explicit Program(const std::string& options) {
+    explicit Program(Words options) {
         int ends[2];
         if (socketpair(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0, ends) != 0) {
             return;
         }
         lifeline = ends[0];
-        child = fork();
-        if (child == 0) {
-            const std::string command = "exec " + programs + "tessaly-simnode --ready-fd " +
-                                        std::to_string(dup(ends[1])) + " --exit-with-fd " +
-                                        std::to_string(dup(ends[1])) + " " + options;
-            execl("/bin/sh", "sh", "-c", command.c_str(), nullptr);
-            _exit(127);
-        }
+        const int ready_fd = dup(ends[1]);
+        options.insert(options.begin(),
+                       {kit::program("tessaly-simnode"), "--ready-fd", std::to_string(ready_fd),
+                        "--exit-with-fd", std::to_string(ends[1])});
+        child = kit::start(options, {}, -1, -1, {ends[1]});
         close(ends[1]);
+        close(ready_fd);
         char word[6] = {};
         ready = recv(lifeline, word, sizeof word, MSG_WAITALL) == 6 &&
                 std::memcmp(word, "ready\n", 6) == 0;
@@ -72,74 +54,69 @@ struct Program {
 
     // Lets go of the lifeline; the exit status.
     int end() {
-        int status = -1;
-        if (child > 0) {
-            close(lifeline);
-            waitpid(child, &status, 0);
-            child = -1;
-        }
-        return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
+        close(std::exchange(lifeline, -1));
+        const pid_t ended = std::exchange(child, -1);
+        return ended > 0 ? kit::wait_for(ended, std::chrono::seconds(20)) : -1;
     }
 };
 
 TEST(Program, KeepsItsStateAndEndsWithWhoStartedIt) {
-    const Folder folder;
-    const std::string socket = folder / "node";
-    const std::string options = "--socket " + socket + " --state " + folder / "state.toml" +
-                                " --domain " TESSALY_SOURCE_DIR "/data/domains/demo.toml" +
-                                " --journal " + folder / "journal";
-    const auto control = [&](const std::string& words, std::string& text) {
-        return run_program("tessaly-simctl --socket " + socket + " " + words, text);
-    };
+    const std::string socket = kit::scratch() + "/node";
+    const Words options{"--socket",  socket,
+                        "--state",   kit::scratch() + "/state.toml",
+                        "--domain",  TESSALY_SOURCE_DIR "/data/domains/demo.toml",
+                        "--journal", kit::scratch() + "/journal"};
     std::string text;
+    const auto control = [&](Words words) {
+        words.insert(words.begin(), {"--socket", socket});
+        return run_program("tessaly-simctl", words, text);
+    };
     {
         Program program(options);
         ASSERT_TRUE(program.ready);
-        EXPECT_EQ(control("define ls KEPT port=ETHPORT 'description=kept for later'", text), 0)
+        EXPECT_EQ(control({"define", "ls", "KEPT", "port=ETHPORT", "description=kept for later"}),
+                  0)
             << text;
-        EXPECT_EQ(control("list nonsense", text), 2);
-        EXPECT_EQ(control("idle", text), 0);
+        EXPECT_EQ(control({"list", "nonsense"}), 2);
+        EXPECT_EQ(control({"idle"}), 0);
         EXPECT_EQ(text, "idle\n");
-        EXPECT_EQ(run_program("tessaly-simnode --socket " + socket, text), 1);
+        EXPECT_EQ(run_program("tessaly-simnode", {"--socket", socket}, text), 1);
         EXPECT_NE(text.find("listens already"), std::string::npos) << text;
         EXPECT_EQ(program.end(), 0);
     }
     EXPECT_FALSE(std::filesystem::exists(socket));
-    std::ifstream journal(folder / "journal");
+    std::ifstream journal(kit::scratch() + "/journal");
     std::getline(journal, text);
     EXPECT_NE(text.find("NAP_DEFINE_LS"), std::string::npos);
-    EXPECT_EQ(control("count ls", text), 3); // nobody serves
-    {
-        std::ofstream(socket) << "left over by a service that died";
-        Program program(options);
-        ASSERT_TRUE(program.ready);
-        EXPECT_EQ(control("show ls KEPT", text), 0);
-        EXPECT_NE(text.find("description=kept for later\n"), std::string::npos) << text;
-        EXPECT_EQ(control("shutdown", text), 0);
-    }
+    EXPECT_EQ(control({"count", "ls"}), 3); // nobody serves
+    std::ofstream(socket) << "left over by a service that died";
+    Program program(options);
+    ASSERT_TRUE(program.ready);
+    EXPECT_EQ(control({"show", "ls", "KEPT"}), 0);
+    EXPECT_NE(text.find("description=kept for later\n"), std::string::npos) << text;
+    EXPECT_EQ(control({"shutdown"}), 0);
 }
 
 TEST(Program, BadCommandLinesAreExplained) {
-    const Folder folder;
-    const std::string bad = folder / "bad.toml";
+    const std::string bad = kit::scratch() + "/bad.toml";
     std::ofstream(bad) << "[[node]]\nname = 5\n";
-    const std::string socket = "--socket " + folder / "node";
+    const std::string socket = kit::scratch() + "/node";
     const struct {
-        std::string options;
+        Words options;
         int status;
         const char* text;
     } cases[] = {
-        {"", 2, "usage"},
-        {"--nonsense", 2, "usage"},
-        {socket + " --domain " + bad, 1, "bad.toml:1: "},
-        {socket + " --generate trees=4", 1, "trees=4"},
-        {socket + " --generate lu03=many", 1, "lu03=many"},
-        {"--socket " + folder / "no/node" + " --generate lu03=1", 1, "No such file"},
-        {"--socket " + std::string(200, 'x') + " --generate lu03=1", 1, "too long"},
+        {{}, 2, "usage"},
+        {{"--nonsense"}, 2, "usage"},
+        {{"--socket", socket, "--domain", bad}, 1, "bad.toml:1: "},
+        {{"--socket", socket, "--generate", "trees=4"}, 1, "trees=4"},
+        {{"--socket", socket, "--generate", "lu03=many"}, 1, "lu03=many"},
+        {{"--socket", "/no/node", "--generate", "lu03=1"}, 1, "No such file"},
+        {{"--socket", std::string(200, 'x'), "--generate", "lu03=1"}, 1, "too long"},
     };
     for (const auto& [options, status, part] : cases) {
         std::string text;
-        EXPECT_EQ(run_program("tessaly-simnode " + options, text), status) << text;
+        EXPECT_EQ(run_program("tessaly-simnode", options, text), status) << text;
         EXPECT_NE(text.find(part), std::string::npos) << text;
     }
 }
@@ -258,8 +235,11 @@ TEST_F(DomainOfServers, NodesDifferInWhatTheyAnswer) {
     simnode::put_ebcdic(define.parameters.cp_name, 17, "NET.GAMMA");
     EXPECT_TRUE(rc_of(define, gamma).ok());
     EXPECT_TRUE(rc_of(query, gamma).ok());
+    simnode::put_ebcdic(define.parameters.cp_name, 17, "NET.GAMMA2");
+    EXPECT_TRUE(rc_of(define, gamma).ok());
+    EXPECT_EQ(size(node_named(service.world.domain, "gamma")->of(simnode::Kind::local_lu)), 1u);
     EXPECT_TRUE(rc_of(start, gamma).ok());
-    EXPECT_EQ(other.take_indications().size(), 2u);
+    EXPECT_EQ(other.take_indications().size(), 3u);
 }
 
 TEST_F(DomainOfServers, LoggingIsAskedOfTheCentralLogger) {

@@ -147,6 +147,10 @@ TEST_F(ServiceTest, ANodeThatDiesTakesItsHandlesAlong) {
     EXPECT_EQ(told[0].header.correlator, 1000 + client.id); // that of a registration on the node
     EXPECT_EQ(client.call(verb<QUERY_NODE>(NAP_QUERY_NODE), target).rc().secondary,
               NAP_TARGET_GONE);
+    ASSERT_EQ(script.control("revive-node bnkgw01"), 0);
+    client.connect("bnkgw01", {NAP_LS_INDICATION});
+    ASSERT_EQ(script.control("state ls CLEARING failed"), 0);
+    EXPECT_EQ(client.take_indications().size(), 1u) << "told through the old handle, too";
 }
 
 TEST_F(ServiceTest, JournalNamesVerbsAndHidesPasswords) {

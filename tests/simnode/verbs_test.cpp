@@ -116,6 +116,8 @@ TEST_F(VerbTest, StartChainTellsEveryStep) {
     EXPECT_EQ(issue(named(NAP_START_PORT, "PT", false)).secondary, 0x40100000u);
     EXPECT_EQ(issue(start_ls("HOST")).secondary, 0x3D100000u);
     EXPECT_TRUE(issue(named(NAP_START_DLC, "ETH", false)).ok());
+    EXPECT_EQ(issue(named(NAP_START_DLC, "ETH", false)).secondary, 0x10050000u);
+    EXPECT_NE(issue(named(NAP_START_DLC, "NONE", false)).secondary, 0x10050000u);
     EXPECT_TRUE(issue(named(NAP_START_PORT, "PT", false)).ok());
     EXPECT_EQ(issue(named(NAP_START_PORT, "PT", false)).secondary, 0x10100000u);
     EXPECT_EQ(told(), (std::vector<NB_USHORT>{NAP_START_DLC, NAP_DLC_INDICATION, NAP_START_PORT,
@@ -139,6 +141,32 @@ TEST_F(VerbTest, StartChainTellsEveryStep) {
     EXPECT_TRUE(issue(start_ls("HOST", 2)).ok()); // enable only
     EXPECT_EQ(host.det.state, NOF_STATE_INACTIVE);
     EXPECT_EQ(host.det.activation_flags, NOF_LS_INCOMING);
+}
+
+// A stop ends a start that is under way; a start that fails leaves nothing pending behind.
+TEST_F(VerbTest, SlowStartsEndWithTheirStopOrFailure) {
+    bring_up_port();
+    Client script(service);
+    ASSERT_EQ(script.control("takes NAP_START_LS 20"), 0);
+    const auto& state = find(the_node().of(Kind::ls), "PEER    ")->as<LS_ENTRY>().det.state;
+    client->post(start_ls("PEER"), node);
+    step(service, 0);
+    EXPECT_EQ(state, NOF_STATE_START_PENDING);
+    client->post(stop_ls("PEER", 0), node);
+    EXPECT_EQ(client->next(WIRE_ANSWER)->opcode(), NAP_STOP_LS);
+    EXPECT_EQ(client->next(WIRE_ANSWER)->rc().primary, 0x2100);
+    EXPECT_EQ(state, NOF_STATE_INACTIVE);
+    ASSERT_EQ(script.control("fail NAP_START_LS 1 0x2300 0x13200000"), 0);
+    EXPECT_EQ(issue(start_ls("PEER")).primary, 0x2300);
+    EXPECT_EQ(state, NOF_STATE_INACTIVE);
+
+    ASSERT_EQ(script.control("takes NAP_INIT_NODE 20"), 0);
+    ASSERT_EQ(script.control("stop node"), 0);
+    client->post(verb<INIT_NODE>(NAP_INIT_NODE), node);
+    client->post(verb<STOP_NODE>(NAP_STOP_NODE), node); // after the start
+    EXPECT_EQ(client->next(WIRE_ANSWER)->opcode(), NAP_INIT_NODE);
+    EXPECT_TRUE(client->next(WIRE_ANSWER)->rc().ok());
+    EXPECT_FALSE(the_node().active);
 }
 
 TEST_F(VerbTest, InternalPuAnswersByItsState) {

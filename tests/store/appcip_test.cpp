@@ -81,11 +81,17 @@ TEST_F(AppcOverIp, AFailedListRemovesNothingAndALostNodeEndsTheCheck) {
 TEST_F(AppcOverIp, WithoutDefaultsThereAreNoSessions) {
     add_appcip("LUA", 1);
     add_appcip("LUB", 2);
+    auto e = entry<IPBRIDGE_APPCIP_ENTRY>();
+    put(e.session.lu_name, "LUA");
+    script.has(NAP_QUERY_IPBRIDGE_APPCIP, e);
+    vga_start_check_ipbridge_sess(node); // its answer tells of the time before
     vga_delete_ipbridge_appcip_defaults(node);
     EXPECT_EQ(node->appcip_defaults, nullptr);
     vga_start_check_ipbridge_sess(node);
+    script.run();
     EXPECT_EQ(rows(node->appcip_root), Rows{"title"});
-    EXPECT_EQ(script.sent(NAP_QUERY_IPBRIDGE_APPCIP), 0u);
+    EXPECT_EQ(script.sent(NAP_QUERY_IPBRIDGE_APPCIP), 1u);
+    EXPECT_EQ(node->checks_running[VGA_CHECK_IPBRIDGE_SESS], 0u);
 }
 
 } // namespace

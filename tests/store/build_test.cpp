@@ -42,6 +42,17 @@ TEST_F(Build, ANodeThatCannotBeConnectedHoldsNothingUp) {
     EXPECT_EQ(script.sent(NAP_QUERY_NODE), 0u);
 }
 
+TEST_F(Build, ANodeWhoseFileIsUnavailableIsToldOf) {
+    Messages messages;
+    gvga_main_dialog = &messages.window;
+    script.codes[NAP_QUERY_NODE_LIMITS] = {NAP_STATE_CHECK, NAP_FILE_UNAVAILABLE};
+    build();
+    gvga_main_dialog = nullptr;
+    EXPECT_EQ(messages.shown(), 1);
+    EXPECT_EQ(gvga_exit_code, VGA_EXIT_QUERY);
+    EXPECT_EQ(gvga_exit_subcode, NAP_QUERY_NODE_LIMITS);
+}
+
 TEST_F(Build, ExpressLogonThatWasNeverConfiguredIsOff) {
     all_capabilities();
     for (const Codes codes : {Codes{NAP_STATE_CHECK, NAP_NODE_NOT_CONFIGURED},

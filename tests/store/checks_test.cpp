@@ -1,6 +1,7 @@
 // The checks against a scripted node whose lists differ from the store.
 #include "scripted_node.h"
 
+#include "nof/connectivity.h"
 #include "nof/lu62.h"
 #include "store/checks.h"
 #include "verbs/status.h"
@@ -93,7 +94,7 @@ TEST_F(Checks, StatesAreRefreshedOverSeveralPages) {
         p.def.max_btu = 9;
         script.has(NAP_QUERY_PORT, p);
         PU_ENTRY u = pu(name, "", NAP_DLUR_ATTACHED);
-        add_pu(u);
+        add_pu(u)->start_pending = 1;
         u.dlur_status = NOF_DLUR_PENDING_RETRY;
         script.has(NAP_QUERY_DLUR_PU, u);
     }
@@ -108,6 +109,7 @@ TEST_F(Checks, StatesAreRefreshedOverSeveralPages) {
     }
     for (const auto* u : all<vga_pu>(node->local_pu_tree)) {
         EXPECT_EQ(u->vcb.dlur_status, NOF_DLUR_PENDING_RETRY) << get(u->vcb.pu_name);
+        EXPECT_EQ(u->start_pending, 0) << "as by the indication that was lost";
     }
 }
 
@@ -166,6 +168,19 @@ TEST_F(LinkStations, OneThatVanishedGoesAndNewOnesDoNotEndTheList) {
     EXPECT_EQ(count(node->local_pu_tree), 3u);
     EXPECT_EQ(count(gvga_system->lu_tree), 3u);
     EXPECT_EQ(state("D"), NOF_STATE_ACTIVE);
+}
+
+TEST_F(LinkStations, OneThatIsIndicatedBehindItsPageStays) {
+    listed({"A", "C", "D"});
+    vga_start_check_ls(node);
+    script.run(1);
+    LS_INDICATION ind{};
+    put(ind.ls_name, "B");
+    ind.new_state = NOF_LS_ACTIVATED;
+    vga_process_ls_ind(node, &ind);
+    script.run();
+    expect_ended();
+    EXPECT_EQ(count(node->ls_tree), 4u);
 }
 
 TEST_F(LinkStations, ASecondStartDropsThePagesOfTheFirst) {

@@ -23,6 +23,21 @@ TEST_F(Connectivity, ALinkStationListedAgainAddsOrDropsItsPu) {
     EXPECT_EQ(rows(node->links_root), (Rows{"ETH0", " LS1"}));
 }
 
+TEST_F(Connectivity, APuThatComesUnderALinkStationBringsItsLusAlong) {
+    add_port("ETH0");
+    vga_pu* unlinked = add_down_pu(pu("DSPU", "LS2", NAP_PU_CONCENTRATION)); // not listed yet
+    add_down_lu(down_lu("D1", 1), unlinked);
+    add_ls(ls("LS2", "ETH0", "", "DSPU"));
+    add_down_lu(down_lu("D2", 2), unlinked);
+    add_ls(ls("LS1", "ETH0", "PU1"));
+    add_lu03(lu03("LU1", "PU1", 1));
+    EXPECT_EQ(rows(node->links_root), (Rows{"ETH0", " LS1+", "  LU1", " LS2+", "  D1", "  D2"}));
+    add_ls(ls("LS0", "ETH0", "PU1")); // listed before LS1, which loses it
+    add_ls(ls("LS1", "ETH0"));
+    EXPECT_EQ(rows(node->links_root),
+              (Rows{"ETH0", " LS0+", "  LU1", " LS1", " LS2+", "  D1", "  D2"}));
+}
+
 TEST_F(Connectivity, DlurPusShareTheFakePortBehindTheRealOnes) {
     vga_pu* second = add_pu(pu("PUB", "", NAP_DLUR_ATTACHED));
     ASSERT_NE(vga_get_primary_line_fake_port(node), nullptr);

@@ -2,6 +2,8 @@
 // keys, rows under rows.
 #include "fixture.h"
 
+#include "store/query.h"
+
 #include <algorithm>
 
 namespace store_test {
@@ -166,10 +168,16 @@ TEST_F(NodeLists, ProfilesBeyondTheTenthAreDroppedAndLogged) {
         for (int i = 0; i < std::min<int>(profiles, NOF_USER_PROFILES); ++i) {
             put(e.def.profiles[i], (continues ? "C" : "P") + std::to_string(i));
         }
-        return vga_insert_vga_userid_password(vga_init_vga_userid_password(node, &e), node,
-                                              continues);
+        QUERY_USERID_PASSWORD block{}; // a page of its own
+        block.list.header.opcode = NAP_QUERY_USERID_PASSWORD;
+        block.list.list_options = continues ? NAP_LIST_FROM_NEXT : NAP_FIRST_IN_LIST;
+        std::memcpy(block.user_id, e.user_id, sizeof block.user_id);
+        block.list.buffer = &e;
+        block.list.buffer_size = sizeof e;
+        block.list.num_entries = block.list.total_entries = 1;
+        return vga_process_query(VGA_QUERY_USERID, node, &block).record;
     };
-    vga_userid_password* alice = add(7, false);
+    auto* alice = static_cast<vga_userid_password*>(add(7, false));
     testing::internal::CaptureStderr();
     EXPECT_EQ(add(2, true), alice);
     EXPECT_EQ(testing::internal::GetCapturedStderr(), "");

@@ -109,6 +109,9 @@ TEST_F(Remote, TheModesAndClassesOfTheArchitectureYieldToTheNodesOwn) {
     put(own.mode_name, "#BATCH");
     vga_mode_def* batch = vga_insert_vga_mode_def(vga_init_vga_mode_def(node, &own), node);
     EXPECT_EQ(batch->sna_defined, 0) << "listed by the node after all";
+    own.def.description[0] = '\0';
+    EXPECT_EQ(vga_insert_vga_mode_def(vga_init_vga_mode_def(node, &own), node), batch);
+    EXPECT_STREQ(batch->vcb.def.description, "SNA mode");
     ASSERT_TRUE(vga_init_sna_cos(node));
     ASSERT_TRUE(vga_init_sna_cos(node));
     EXPECT_EQ(count(node->cos_tree), 7u);

@@ -1,9 +1,11 @@
 // Who uses which LU 0 to 3, and which pool it is in: counts, rows and status windows against a
-// recount from the LUs themselves.
+// recount from the LUs themselves. Counts of LU-LU sessions against those that were indicated.
 #include "fixture.h"
 
 #include "kit/store_dump.h"
+#include "nof/lu62.h"
 #include "store/tracking.h"
+#include "verbs/status.h"
 
 #include <map>
 #include <random>
@@ -68,6 +70,13 @@ struct Tracking : Store {
             watched->gui_data.status = nullptr;
             watched = nullptr;
         }
+    }
+
+    // What is found wrong with a sound store: one handle is that of the status list.
+    static std::vector<std::string> handle_of_status() {
+        const std::size_t handles = nba_handle_count();
+        return {"system: " + std::to_string(handles) + " handles are in use, but there are " +
+                std::to_string(handles - 1) + " records"};
     }
 
     vga_user_status_list status{};
@@ -181,11 +190,6 @@ struct Random : Tracking {
         }
         return nullptr;
     }
-    static std::vector<std::string> handle_of_status() {
-        const std::size_t handles = nba_handle_count();
-        return {"system: " + std::to_string(handles) + " handles are in use, but there are " +
-                std::to_string(handles - 1) + " records"};
-    }
     void check() {
         std::size_t watched_uses = 0;
         std::map<std::string, Rows> of_pools;
@@ -211,7 +215,6 @@ struct Random : Tracking {
         }
         ASSERT_TRUE(of_pools.empty()) << "an LU names a pool that is not there";
         ASSERT_EQ(rows(gvga_system->pool_viewer_root), shown);
-        // Every count is that of a walk. One handle is that of the status list.
         ASSERT_EQ(kit::dump_store().faults, handle_of_status());
     }
     std::mt19937 engine{20};
@@ -221,6 +224,86 @@ TEST_F(Random, CountsEqualAWalkAfterEveryStep) {
     for (int i = 0; i < 2000 && !HasFatalFailure(); ++i) {
         step();
         check();
+    }
+}
+
+// ---- LU-LU sessions ----
+
+struct Sessions : Tracking {
+    struct PARTNER {
+        const char *name, *cp;
+    };
+    static constexpr PARTNER partners[] = {{"NET.A", "NET.CP1"},
+                                           {"NET.B", "NET.CP2"},
+                                           {"NET.C", "NET.CP2"},
+                                           {"NET.D", "NET.CP"}, // the node itself
+                                           {"NET.E", ""}};
+    using Counts = std::map<std::string, NB_LONG>;
+
+    Counts found() {
+        Counts counts;
+        for (const auto* lu : all<vga_lu62>(node->lu62_tree)) {
+            counts[get(lu->vcb.lu_name)] = lu->act_sess_count;
+        }
+        for (const auto* system : all<vga_rem_sys>(node->rem_sys_tree)) {
+            counts[get(system->cp_name)] = system->session_count;
+            for (const auto* plu : all<vga_rem_plu>(system->remote_plu_tree)) {
+                const std::string name = get(plu->key.plu_name);
+                counts[name] = plu->session_count;
+                for (const auto* sess : all<vga_rem_sess>(plu->sess_tree)) {
+                    counts[name + get(sess->key.lu_name) + get(sess->key.mode_name)] =
+                        sess->session_count;
+                }
+            }
+        }
+        return counts;
+    }
+    template <typename Block> Block indication(const vga_lu62* lu, const PARTNER& partner) {
+        Block ind{};
+        std::memcpy(ind.lu_name, lu->vcb.lu_name, sizeof ind.lu_name);
+        put(ind.plu_name, partner.name);
+        return ind;
+    }
+};
+
+TEST_F(Sessions, EqualARecountAfterEveryModeIndication) {
+    add_rem_sys("NET.CP1"); // stays without sessions
+    vga_lu62* lus[] = {add_lu62(lu62("LU1", "LU1")), add_lu62(lu62("LU2", "LU2")),
+                       add_lu62(lu62("DEP", "DEP", 3, "PU1"))};
+    for (const vga_lu62* lu : lus) {
+        for (const PARTNER& partner : partners) {
+            auto ind = indication<PLU_INDICATION>(lu, partner);
+            ind.cp_known = partner.cp[0] != '\0';
+            put(ind.cp_name, partner.cp);
+            vga_process_plu_ind(node, &ind);
+        }
+    }
+    std::map<std::array<std::string, 4>, NB_USHORT> told; // by control point, partner, LU, mode
+    std::mt19937 engine{21};
+    for (int i = 0; i < 2000 && !HasFailure(); ++i) {
+        const vga_lu62* lu = lus[engine() % 3];
+        // A dependent LU has one partner, its host.
+        const PARTNER& partner = partners[lu == lus[2] ? 0 : engine() % 5];
+        const std::string mode = engine() % 2 == 0 ? "#INTER" : "#BATCH";
+        auto ind = indication<MODE_INDICATION>(lu, partner);
+        put(ind.mode_name, mode);
+        ind.change = engine() % 5 == 0; // 1: the mode is gone
+        ind.act_sess_count = static_cast<NB_USHORT>(engine() % 3 * (engine() % 3));
+        vga_process_mode_ind(node, &ind);
+        told[{partner.cp, partner.name, get(lu->vcb.lu_name), mode}] =
+            ind.change == 1 ? NB_USHORT{0} : ind.act_sess_count;
+        Counts expected{{"LU1", 0}, {"LU2", 0}, {"DEP", 0}, {"NET.CP1", 0}};
+        for (const auto& [where, count] : told) {
+            const auto& [cp, name, local, of_mode] = where;
+            expected[local] += count;
+            if (count != 0 && local != "DEP" && cp != "" && cp != "NET.CP") {
+                expected[cp] += count;
+                expected[name] += count;
+                expected[name + local + of_mode] = count;
+            }
+        }
+        ASSERT_EQ(found(), expected) << "step " << i;
+        ASSERT_EQ(kit::dump_store().faults, handle_of_status());
     }
 }
 

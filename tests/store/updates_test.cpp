@@ -160,6 +160,7 @@ TEST_F(Updates, SessionsWithPartnersFollowTheLocalAliasOrThePartners) {
     add_session(ann, "S1", to_partner("OLD", "PARTNER"));
     add_session(ann, "S2", to_partner("KEPT", "PARTNER"));
     add_session(ann, "S3", to_partner("KEPT", "OTHER"));
+    add_session(ann, "S4", to_partner("", "")); // of the default LU, its partner by name
     vga_lu62* lu = add_lu62(lu62("LU", "OLD"));
     add_lu62(lu62("LU2", "KEPT"));
     lu->changing = 1;
@@ -172,6 +173,7 @@ TEST_F(Updates, SessionsWithPartnersFollowTheLocalAliasOrThePartners) {
     EXPECT_EQ(std::memcmp(session(0).lu_name, "NEW     ", 8), 0);
     EXPECT_EQ(get(session(0).partner.plu_alias), "PARTNER");
 
+    EXPECT_FALSE(vga_mark_sessions(NOF_SESSION_5250, node, "        "));
     const PLU_DEF_ENTRY renamed = plu_def("NET.P", "FRIEND");
     vga_rem_plu* plu = vga_add_plu_definition(node, &renamed);
     ASSERT_TRUE(vga_mark_sessions(NOF_SESSION_5250, node, "PARTNER "));
@@ -319,6 +321,20 @@ TEST_F(Everywhere, MarksCanBeTakenBack) {
     EXPECT_EQ(marks(), 0);
     update();
     EXPECT_EQ(outstanding, 0);
+}
+
+TEST_F(Everywhere, WhatADialogLeavesBehindGoesIntoTheStore) {
+    mark();
+    update();
+    script.run(2);
+    vga_leave_update(&dialog, node);
+    vga_purge_verb_queue(0, 0, nullptr, dialog.handle, nullptr);
+    refuse = blocks.size() + 5; // the downstream LU's definition: the log has it, nobody waits
+    script.run();
+    EXPECT_EQ(outstanding, 6);
+    EXPECT_EQ(messages.shown(), 0);
+    EXPECT_EQ(names(), (Rows{"NEW", "NEW/ELSE", "ELSE/NEW", "ELSE/ELSE", "ELSE-NEW", "NEW-ELSE",
+                             "TERM2>ELSE", "NEW"}));
 }
 
 // The parameter: which of the run's eight verbs is refused.

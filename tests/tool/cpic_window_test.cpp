@@ -107,10 +107,10 @@ TEST_F(CpicWindow, ItsButtonsFollowTheSelection) {
     press(VGA_LIST_MODIFY);
     ASSERT_NE(dialog(), nullptr);
     EXPECT_EQ(text(dialog()->name), "FXNOW");
+    console.key(XK_Escape);
     const vga_list_window* open = window();
     vga_display_cpic_window();
     EXPECT_EQ(window(), open);
-    console.key(XK_Escape);
     console.click(console.widget("cpicwDoneButton"));
     EXPECT_EQ(window(), nullptr);
     EXPECT_FALSE(list().displayed);

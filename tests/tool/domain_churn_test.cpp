@@ -18,7 +18,8 @@
 #include <string>
 #include <string_view>
 
-// Nodes of a domain die and come back at random while windows are open on them.
+// Nodes of a domain die and come back at random while windows are open on them. Some have LUs that
+// a user of the domain uses, in one pool, and sessions.
 namespace {
 
 using kit::CONSOLE;
@@ -45,8 +46,8 @@ std::vector<kit::DOMAIN_NODE> nodes() {
     std::vector<kit::DOMAIN_NODE> all;
     for (int i = 0; i < node_count; ++i) {
         all.push_back({name_of(i),
-                       i % 5 == 3 ? kit::DOMAIN_NODE::STOPPED : kit::DOMAIN_NODE::ACTIVE,
-                       1 + i % 3});
+                       i % 5 == 3 ? kit::DOMAIN_NODE::STOPPED : kit::DOMAIN_NODE::ACTIVE, 1 + i % 3,
+                       i % 4 == 0});
     }
     return all;
 }
@@ -207,6 +208,7 @@ protected:
 TEST_P(Churn, TheStoreEndsAsAFreshOne) {
     ASSERT_TRUE(console.started() && console.wait_built());
     const std::string at_first = picture();
+    ASSERT_NE(at_first.find("sessions=20\n"), std::string::npos) << "ann uses LUs of ten nodes";
     churn(setting("TESSALY_CHURN_STEPS", usual_steps));
     for (int i = 0; i < node_count; ++i) {
         raise(i);

@@ -2,6 +2,7 @@
 
 #include "common/alloc.h"
 #include "kit/control.h"
+#include "kit/domain.h"
 
 #include <sys/wait.h>
 #include <unistd.h>
@@ -123,6 +124,53 @@ TEST(NodeFault, ABackLevelNodeCountsAsBuilt) {
               VGA_NODE_STATE_BACK_LEVEL);
     EXPECT_EQ(gvga_exit_code, 0);
 }
+
+// What happens to a domain while a verb of its build is outstanding.
+struct CHANGE {
+    const char* verb;
+    const char* command;
+};
+
+void PrintTo(const CHANGE& change, std::ostream* out) {
+    *out << change.command << " in " << change.verb;
+}
+
+class Change : public testing::TestWithParam<CHANGE> {};
+
+TEST_P(Change, LeavesABuildThatComesToItsEnd) {
+    SERVICE service(kit::domain_options({{"alpha", kit::DOMAIN_NODE::UNCONFIGURED}, {"beta"}},
+                                        {"beta"}, "beta"));
+    service.control(std::string("hold ") + GetParam().verb);
+    CONSOLE console(service);
+    ASSERT_TRUE(console.started());
+    kit::CONTROL control(service.socket());
+    const auto sent = [&](const char* verb) {
+        std::size_t count = 0;
+        const std::string journal = control.run("journal");
+        for (std::size_t at = 0; (at = journal.find(verb, at)) != std::string::npos; ++at) {
+            ++count;
+        }
+        return count;
+    };
+    ASSERT_TRUE(console.wait([&] { return sent(GetParam().verb) != 0; }));
+    control.run(GetParam().command);
+    console.wait([] { return XtAppPending(gvga_appcontext) == 0; });
+    control.run("release");
+    ASSERT_TRUE(console.wait_built()) << std::hex << gvga_system->build_flags;
+    EXPECT_TRUE(vga_check_system_startup());
+    EXPECT_EQ(sent("NAP_CONNECT_NODE"), 2u);
+    EXPECT_EQ(gvga_exit_code, 0);
+    EXPECT_EQ(nba_assert_count(), 0u) << nba_last_assert();
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Each, Change,
+    testing::Values(CHANGE{"NAP_QUERY_DLC", "kill-node beta"},
+                    CHANGE{"NAP_QUERY_CPIC_SIDE_INFO", "lose-file configuration"},
+                    CHANGE{"NAP_QUERY_EMULATOR_USER_DEF", "lose-file configuration"},
+                    CHANGE{"NAP_QUERY_EMULATOR_USER_DEF", "master beta"},
+                    CHANGE{"NAP_QUERY_NODE_ALL", "server beta up"},
+                    CHANGE{"NAP_QUERY_SNA_NET", "lose-file network"}));
 
 // Starts a run of a small build whose nth allocation fails, in a child process.
 pid_t start_without_memory(const SERVICE& service, unsigned long nth) {

@@ -106,6 +106,11 @@ TEST_F(Live, ImplicitLinkStationsAppearAndVanish) {
     EXPECT_EQ(queries(), 0);
     EXPECT_EQ(ls("@I000001"), nullptr);
 
+    service.control("resync ls"); // its indication says only that some were lost
+    service.control("call-in ETHPORT OTHERNET.EN9");
+    EXPECT_TRUE(comes_true([&] { return is_shown(links, "OTHERNET.EN9"); }));
+    service.control("journal clear");
+
     // One that the console never heard of becomes active.
     gvga_dispatch.node_config = nullptr;
     service.control("define ls NEWLINK port=ETHPORT");

@@ -142,6 +142,20 @@ TEST_F(NodeWindow, ButtonsSayWhatTheyDo) {
     EXPECT_EQ(bar(), "");
 }
 
+TEST_F(NodeWindow, ButtonsFollowAStateWhoseIndicationWasLost) {
+    const auto becomes = [&](const char* command, NB_BYTE state) {
+        service.control(command);
+        return comes_true([&] { return ls("CLEARING")->vcb->det.state == state; });
+    };
+    ASSERT_TRUE(becomes("state ls CLEARING active", NOF_STATE_ACTIVE));
+    vga_viewer_set_view(&ls("CLEARING")->viewer, &node->links_root);
+    ASSERT_TRUE(console.click_row(node->links_root, "CLEARING"));
+    EXPECT_EQ(tools().front(), '.') << "it runs";
+    service.control("resync ls");
+    ASSERT_TRUE(becomes("state ls CLEARING inactive", NOF_STATE_INACTIVE));
+    EXPECT_EQ(tools().front(), 'x');
+}
+
 TEST_F(NodeWindow, ModesAreNotOpened) {
     vga_viewer_root& lus = node->lus_root;
     ASSERT_TRUE(console.click_row(lus, "BNKGW01"));

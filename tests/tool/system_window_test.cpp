@@ -208,7 +208,15 @@ TEST_F(SystemWindow, NodeWindowsOpenFromTheList) {
     console.key(XK_Return);
     EXPECT_NE(node_named("gamma")->gui_data.node_window, nullptr);
     EXPECT_EQ(menu_entries(beta->window_menu).size(), 2u);
+    // The window that the operator asks for has the keyboard.
+    const auto has_keyboard = [&](const vga_dialog& dialog) {
+        return console.wait([&] { return kit::focus_window() == XtWindow(dialog.shell); });
+    };
+    EXPECT_TRUE(has_keyboard(*node_named("gamma")->gui_data.node_window));
+    console.key(XK_d, ControlMask);
+    EXPECT_TRUE(has_keyboard(window->common));
     EXPECT_EQ(open("beta"), beta) << "the window that is there";
+    EXPECT_TRUE(has_keyboard(beta->common));
 
     select("epsilon");
     console.key(XK_Return);

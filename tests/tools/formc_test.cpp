@@ -1,54 +1,30 @@
-// The form compiler, run as the build runs it, and the UID file it makes, loaded with Mrm on a real
-// display.
+// The form compiler, run as the build runs it, and the windows and dialogs that it makes.
 #include <gtest/gtest.h> // before the X headers, which define None
 
-#include <Mrm/MrmPublic.h>
+#include "kit/console.h"
+#include "kit/pointer.h"
+
+#include "shell/globals.h"
+#include "store/store.h"
+#include "ui/framework/dialog.h"
+#include "ui/framework/window_menu.h"
+
 #include <Xm/XmAll.h>
 
-#include <cctype>
-#include <chrono>
-#include <cstdio>
-#include <cstdlib>
 #include <filesystem>
 #include <fstream>
-#include <map>
-#include <set>
 #include <string>
-#include <unistd.h>
-#include <utility>
-#include <vector>
 
 namespace {
 
-namespace fs = std::filesystem;
-const std::string build_dir = TESSALY_BUILD_DIR;
-
-struct Outcome {
-    int status;
-    std::string output;
-};
-
-Outcome run(const std::string& command) {
-    Outcome result{-1, ""};
-    if (FILE* pipe = popen((command + " 2>&1").c_str(), "r")) {
-        char buffer[512];
-        while (const size_t n = fread(buffer, 1, sizeof buffer, pipe))
-            result.output.append(buffer, n);
-        result.status = pclose(pipe);
-    }
-    return result;
+kit::RESULT in_scratch(const std::string& command) {
+    return kit::run({"/bin/sh", "-c", "cd " + kit::scratch() + " && " + command});
 }
 
-struct Scratch {
-    fs::path dir = fs::temp_directory_path() / ("formc_test." + std::to_string(getpid()));
-    Scratch() { fs::create_directories(dir); }
-    ~Scratch() { fs::remove_all(dir); }
-    Outcome compile(const std::string& form) const {
-        std::ofstream(dir / "x.form") << form;
-        return run("cd " + dir.string() + " && " + build_dir +
-                   "/tools/formc -m x -n x.names -o x.uil x.form");
-    }
-};
+kit::RESULT compile(const std::string& form) {
+    std::ofstream(kit::scratch() + "/x.form") << form;
+    return in_scratch(TESSALY_BUILD_DIR "/tools/formc -m x -n x.names -o x.uil x.form");
+}
 
 TEST(Formc, ReportsErrorsWithFileAndLine) {
     struct Case {
@@ -91,19 +67,18 @@ TEST(Formc, ReportsErrorsWithFileAndLine) {
         {"window a {\n  viewer aA aH aV\n  viewer aB aI aW\n}\n",
          "x.form:3: a window has one 'viewer', and a tool bar or a button row"},
     };
-    const Scratch scratch;
     for (const Case& c : cases) {
-        const Outcome result = scratch.compile(c.form);
+        const kit::RESULT result = compile(c.form);
         EXPECT_NE(result.status, 0) << c.form;
-        EXPECT_EQ(result.output, std::string(c.error) + "\n") << c.form;
+        EXPECT_EQ(result.err, std::string(c.error) + "\n") << c.form;
     }
-    EXPECT_FALSE(fs::exists(scratch.dir / "x.uil")) << "a form with errors must not leave output";
+    EXPECT_FALSE(std::filesystem::exists(kit::scratch() + "/x.uil"))
+        << "a form with errors must not leave output";
 }
 
 TEST(Formc, WritesUilThatTheCompilerTakes) {
     const std::string long_text(300, 'w');
-    const Scratch scratch;
-    const Outcome result = scratch.compile(
+    const kit::RESULT result = compile(
         "dialog a \"Quotes \\\" and \\\\ and &&\" resizable {\n"
         "  label aL \"" +
         long_text +
@@ -118,147 +93,16 @@ TEST(Formc, WritesUilThatTheCompilerTakes) {
         "  object aScale class=XmScale XmNmaximum=10 XmNtitleString=compound_string(\"Level\")\n"
         "  field aPwd \"Password\" translations=\"<Key>F2: do_it(0)\\n<Key>F3: do_it(1)\" XmNmaxLength=3\n"
         "  buttons aApplyButton ok=vga_ok apply=vga_apply nohelp\n}\n");
-    ASSERT_EQ(result.output, "");
-    std::ifstream uil(scratch.dir / "x.uil");
+    ASSERT_EQ(result.err, "");
+    std::ifstream uil(kit::scratch() + "/x.uil");
     for (std::string line; std::getline(uil, line);)
         EXPECT_LE(line.size(), 132u) << line;
-    const Outcome compiled = run("cd " + scratch.dir.string() + " && uil -o x.uid x.uil");
+    const kit::RESULT compiled = in_scratch("uil -o x.uid x.uil");
     EXPECT_EQ(compiled.status, 0);
-    EXPECT_EQ(compiled.output, "");
+    EXPECT_EQ(compiled.out + compiled.err, "");
 }
 
-// ---- The UID file of the build, on a display.
-
-Widget application = nullptr;
-int warnings = 0;
-
-void count_warning(String text) {
-    ++warnings;
-    ADD_FAILURE() << "toolkit warning: " << text;
-}
-
-void ignore_action(Widget, XEvent*, String*, Cardinal*) {}
-void ignore_callback(Widget, XtPointer, XtPointer) {}
-
-struct Listed {
-    std::string name;
-    std::string type;
-};
-
-// The list of widgets the build writes, by window or dialog.
-std::map<std::string, std::vector<Listed>> listed_widgets() {
-    std::map<std::string, std::vector<Listed>> forms;
-    std::ifstream in(build_dir + "/data/forms/tessalydlg.names");
-    for (std::string form, name, type; in >> form >> name >> type;)
-        forms[form].push_back({name, type});
-    return forms;
-}
-
-class Uid : public testing::Test {
-protected:
-    static void SetUpTestSuite() {
-        if (!application) {
-            MrmInitialize();
-            setenv("XFILESEARCHPATH", (build_dir + "/data/app-defaults/%N").c_str(), 1);
-            static XtAppContext context;
-            int argc = 1;
-            char program[] = "tessaly";
-            char* argv[] = {program, nullptr};
-            application = XtVaAppInitialize(&context, "Tessaly", nullptr, 0, &argc, argv, nullptr,
-                                            XmNmappedWhenManaged, False, XmNwidth, 10, XmNheight,
-                                            10, nullptr);
-            XtAppSetWarningHandler(context, count_warning);
-            register_actions(context);
-            XtRealizeWidget(application);
-        }
-        register_procedures();
-        std::string path = build_dir + "/data/uid/tessalydlg.uid";
-        String files[] = {path.data()};
-        ASSERT_EQ(MrmOpenHierarchyPerDisplay(XtDisplay(application), 1, files, nullptr, &hierarchy),
-                  MrmSUCCESS);
-    }
-    static void TearDownTestSuite() { MrmCloseHierarchy(hierarchy); }
-
-    // The words of the module of which wanted(word before, word, character behind) is true.
-    template <typename Wanted> static std::set<std::string> words_of_module(Wanted wanted) {
-        std::ifstream in(build_dir + "/data/forms/tessalydlg.uil");
-        std::set<std::string> words;
-        std::string before, word;
-        for (char c; in.get(c);) {
-            if (std::isalnum(static_cast<unsigned char>(c)) != 0 || c == '_') {
-                word += c;
-            } else if (!word.empty()) {
-                if (wanted(before, word, c))
-                    words.insert(word);
-                before = std::exchange(word, "");
-            }
-        }
-        return words;
-    }
-    // The program's own actions, and the procedures that the module declares.
-    static void register_actions(XtAppContext context) {
-        static const std::set<std::string> names =
-            words_of_module([](const auto&, const auto& word, char behind) {
-                return word.starts_with("vga_") && behind == '(';
-            });
-        std::vector<XtActionsRec> actions;
-        for (const std::string& name : names)
-            actions.push_back({const_cast<String>(name.c_str()), ignore_action});
-        XtAppAddActions(context, actions.data(), static_cast<Cardinal>(actions.size()));
-    }
-    static void register_procedures() {
-        static const std::set<std::string> names = words_of_module(
-            [](const auto& before, const auto&, char) { return before == "procedure"; });
-        std::vector<MRMRegisterArg> arguments;
-        for (const std::string& name : names)
-            arguments.push_back(
-                {const_cast<String>(name.c_str()), reinterpret_cast<XtPointer>(ignore_callback)});
-        ASSERT_EQ(MrmRegisterNames(arguments.data(), static_cast<MrmCount>(arguments.size())),
-                  MrmSUCCESS);
-    }
-
-    // Fetches a window or dialog and puts it on the display.
-    static Widget show(const std::string& name, bool window) {
-        std::string text = name;
-        Widget shell = window
-                           ? XtVaAppCreateShell(text.data(), "Tessaly", applicationShellWidgetClass,
-                                                XtDisplay(application), nullptr)
-                           : XmCreateDialogShell(application, text.data(), nullptr, 0);
-        Widget top = nullptr;
-        MrmType type;
-        EXPECT_EQ(MrmFetchWidget(hierarchy, text.data(), shell, &top, &type), MrmSUCCESS) << name;
-        if (!top)
-            return nullptr;
-        XtManageChild(top);
-        if (window) {
-            XtVaSetValues(shell, XmNwidth, 800, XmNheight, 600, nullptr);
-            XtRealizeWidget(shell);
-        }
-        return top;
-    }
-
-    static inline MrmHierarchy hierarchy = nullptr;
-};
-
-// Runs the event loop until the condition holds; false when it does not within five seconds.
-template <class Condition> bool pump_until(Condition condition) {
-    XtAppContext context = XtWidgetToApplicationContext(application);
-    const auto deadline = std::chrono::steady_clock::now() + std::chrono::seconds(5);
-    while (!condition()) {
-        if (std::chrono::steady_clock::now() > deadline)
-            return false;
-        XSync(XtDisplay(application), False);
-        while (XtAppPending(context))
-            XtAppProcessEvent(context, XtIMAll);
-    }
-    return true;
-}
-
-bool visible(Widget w) {
-    XWindowAttributes attributes;
-    return XGetWindowAttributes(XtDisplay(w), XtWindow(w), &attributes) &&
-           attributes.map_state == IsViewable;
-}
+// ---- The windows and dialogs of the console, which the build makes of its forms.
 
 Dimension height_of(Widget w) {
     Dimension height;
@@ -288,24 +132,6 @@ void expect_inside_parent(Widget parent) {
     }
 }
 
-TEST_F(Uid, EveryListedWidgetIsFound) {
-    const auto forms = listed_widgets();
-    ASSERT_TRUE(forms.contains("nodew"));
-    for (const auto& [form, widgets] : forms) {
-        const bool window = widgets.front().type == "XmMainWindow";
-        Widget top = show(form, window);
-        ASSERT_NE(top, nullptr) << form;
-        for (const Listed& widget : widgets)
-            if (widget.name != form) {
-                EXPECT_NE(XtNameToWidget(top, ("*" + widget.name).c_str()), nullptr)
-                    << form << ": " << widget.name;
-            }
-        expect_inside_parent(top);
-        XtDestroyWidget(XtParent(top));
-    }
-    EXPECT_EQ(warnings, 0);
-}
-
 Position root_x(Widget w, bool right) {
     Position x, y;
     Dimension width;
@@ -314,37 +140,58 @@ Position root_x(Widget w, bool right) {
     return static_cast<Position>(x + (right ? width : 0));
 }
 
-TEST_F(Uid, FieldsAreAlignedAndAHiddenRowLeavesNoGap) {
-    Widget top = show("noded", false);
-    ASSERT_NE(top, nullptr);
+void expect_alignment_without_gaps(Widget top) {
     const auto find = [&](const char* name) { return XtNameToWidget(top, name); };
     const Position left = root_x(find("*nodedCPAliasText"), false);
     for (const char* name : {"*nodedNetNameText", "*nodedIDBlockText", "*nodedDesc"})
         EXPECT_NEAR(root_x(find(name), false), left, 1) << name;
 
-    ASSERT_TRUE(pump_until([&] { return visible(top); }));
     const Dimension row_height = height_of(XtParent(find("*nodedTypeMenu")));
     const Dimension full_height = height_of(top);
     XtUnmanageChild(find("*nodedTypeMenu"));
     XtUnmanageChild(find("*nodedTypeLabel"));
-    EXPECT_TRUE(pump_until([&] { return full_height - height_of(top) >= row_height - 2; }))
+    EXPECT_TRUE(kit::pump_until([&] { return full_height - height_of(top) >= row_height - 2; }))
         << height_of(top);
     expect_inside_parent(top);
     XtManageChild(find("*nodedTypeMenu"));
     XtManageChild(find("*nodedTypeLabel"));
-    EXPECT_TRUE(pump_until([&] { return height_of(top) == full_height; })) << height_of(top);
+    EXPECT_TRUE(kit::pump_until([&] { return height_of(top) == full_height; })) << height_of(top);
     expect_inside_parent(top);
-    XtDestroyWidget(XtParent(top));
 }
 
-TEST_F(Uid, ToolBarKeepsItsHeightWhenTheShellIsSizedBeforeItIsRealized) {
-    Widget top = show("nodew", true);
-    ASSERT_NE(top, nullptr);
-    const int bar = height_of(XtNameToWidget(top, "*nodewToolbarRowColumn"));
-    const int frame = height_of(XtNameToWidget(top, "*nodewStartButtonFrame"));
+TEST(Forms, AreAlignedAndNothingIsClipped) {
+    const kit::SERVICE service({"--domain", TESSALY_SOURCE_DIR "/data/domains/enterprise.toml"});
+    kit::CONSOLE console(service);
+    ASSERT_TRUE(console.started() && console.wait_built());
+    vga_show_node_window(ntl_avl_first<vga_node>(gvga_system->node_tree));
+    vga_open_dialog(VGA_UID_CPIC_WINDOW, gvga_main_dialog, gvga_system, VGA_OPEN_ADD);
+    console.wait_idle();
+    for (NB_USHORT id = 0; id <= VGA_UID_MAX; ++id) {
+        const VGA_UID_DESC& row = gvga_uid_desc[id];
+        if (row.get_widgets == nullptr) {
+            continue;
+        }
+        SCOPED_TRACE(row.uid_name);
+        if (row.kind == VGA_KIND_WINDOW) {
+            const vga_dialog* window = vga_open_instance(id);
+            ASSERT_NE(window, nullptr);
+            expect_inside_parent(window->widget);
+            continue;
+        }
+        vga_dialog* dialog = nullptr;
+        ASSERT_TRUE(vga_get_dialog(id, gvga_main_dialog, nullptr, &dialog));
+        vga_display_dialog(dialog);
+        console.wait_idle();
+        expect_inside_parent(dialog->widget);
+        if (id == VGA_UID_NODE_DIALOG)
+            expect_alignment_without_gaps(dialog->widget);
+        vga_release_dialog(dialog);
+        XtUnmanageChild(dialog->widget);
+    }
+    const int bar = height_of(console.widget("nodewToolbarRowColumn"));
+    const int frame = height_of(console.widget("nodewStartButtonFrame"));
     EXPECT_GE(bar, 40 + 16) << "the node area is 40 pixels high, with 8 above and below";
     EXPECT_GE(bar, frame + 16);
-    XtDestroyWidget(XtParent(top));
 }
 
 } // namespace

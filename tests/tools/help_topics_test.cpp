@@ -155,57 +155,6 @@ std::string report(const std::vector<std::string>& faults) {
     return text;
 }
 
-TEST(HelpTopics, FaultsAreFound) {
-    struct Case {
-        const char* topic; // beside the two good ones
-        const char* fault; // null: none
-    };
-    const Case cases[] = {
-        {"= T\nSee {b|B}, {W:a|A} and {man:ls|ls(1)}.\n", nullptr},
-        {"@same b\n", nullptr},
-        {"= T\n@include b\n\n== H\nMore.\n", nullptr},
-        {"", "empty"},
-        {"Text.\n", "no title"},
-        {"= \nText.\n", "no title"},
-        {"= T\n", "no text"},
-        {"= B\nText.\n", "title of another topic"},
-        {"= A\nText.\n", nullptr}, // of another volume
-        {"= T\nSee {c|C}.\n", "jump to c"},
-        {"= T\nSee {V:a|A}.\n", "jump to V:a"},
-        {"= T\nSee {a|A}.\n", "jump to a"},
-        {"= T\nSee {b|two\nlines}.\n", "jump: See {b|two"},
-        {"= T\nSee {b}.\n", "jump: See {b}."},
-        {"= T\nSee {b|}.\n", "jump: See {b|}."},
-        {"= T\n@include c\n", "@include c"},
-        {"= T\n@include i\n", "@include i"},
-        {"= T\n@inclde b\n", "@inclde b"},
-        {"= T\n==H\nText.\n", "heading: ==H"},
-        {"@same c\n", "@same c"},
-        {"@same t\n", "@same t"},
-        {"@same b\nText.\n", "@same b"},
-    };
-    for (const Case& each : cases) {
-        const Texts topics = {{"V:b", "= B\nText.\n"},
-                              {"V:i", "= I\n@include b\n"},
-                              {"W:a", "= A\nText.\n"},
-                              {"V:t", each.topic}};
-        const std::vector<std::string> faults = Checker(topics).faults;
-        if (each.fault == nullptr) {
-            EXPECT_EQ(report(faults), "") << each.topic;
-        } else {
-            EXPECT_NE(std::ranges::find(faults, std::string("V:t: ") + each.fault), faults.end())
-                << each.topic << report(faults);
-        }
-    }
-    const std::string wide = "\xC3\xBC"; // two bytes, one character
-    std::string line;
-    while (line.size() < 2 * longest_line) {
-        line += wide;
-    }
-    EXPECT_EQ(report(Checker({{"V:t", "= T\n" + line + "\n"}}).faults), "");
-    EXPECT_EQ(Checker({{"V:t", "= T\n" + line + "x\n"}}).faults.size(), 1U);
-}
-
 TEST(HelpTopics, AreWellFormed) {
     const Texts topics = delivered_topics();
     EXPECT_EQ(report(Checker(topics).faults), "");

@@ -2,6 +2,7 @@
 // afterwards, record by record and row by row.
 #include <gtest/gtest.h> // before X, whose macros would break it
 
+#include "kit/control.h"
 #include "kit/live_store.h"
 #include "kit/random_operator.h"
 #include "kit/service.h"
@@ -110,6 +111,33 @@ TEST_P(Follow, AStoreThatFollowsEqualsAFreshOne) {
     EXPECT_EQ(nba_assert_count(), asserts) << nba_last_assert();
 }
 
+void expect_equals_fresh(const std::string& socket, const std::string& since) {
+    const kit::STORE_DUMP followed = kit::dump_store();
+    const kit::STORE_DUMP fresh = kit::LIVE_STORE::fresh(socket);
+    EXPECT_EQ(kit::difference(fresh.text, followed.text), "") << since;
+    EXPECT_TRUE(followed.faults.empty()) << followed.faults.front() << since;
+}
+
+// Downstream PUs are announced before the link stations that they name are listed.
+TEST(Build, APuAnnouncedEarlyFindsItsPlaceOrGoes) {
+    const kit::SERVICE service;
+    kit::LIVE_STORE store(service.socket());
+    kit::CONTROL control(service.socket());
+    control.run("hold NAP_QUERY_LS");
+    vga_start_build_system();
+    while (control.run("journal").find("NAP_QUERY_LS\"") == std::string::npos) {
+        store.poll();
+    }
+    for (const char* command : {"state downstream_pu DSVAULT active",
+                                "define downstream_lu EARLY pu=DSVAULT nau=46 host_lu=PAYMSG",
+                                "stop ls LINDENAU", "delete ls LINDENAU", "release", "clear"}) {
+        control.run(command);
+        store.poll();
+    }
+    ASSERT_TRUE(store.settle() && store.settle()) << gvga_exit_file << ':' << gvga_exit_line;
+    expect_equals_fresh(service.socket(), "");
+}
+
 // What changes while a node is being listed is not lost, whether its list has come or not.
 TEST(Build, AStoreThatIsBuiltAmongChangesEqualsAFreshOne) {
     for (unsigned seed = 1; seed <= builds && !HasFailure(); ++seed) {
@@ -132,11 +160,11 @@ TEST(Build, AStoreThatIsBuiltAmongChangesEqualsAFreshOne) {
             }
         }
         other.control().run("start node");
-        ASSERT_TRUE(store.settle() && store.settle()) << gvga_exit_file << ':' << gvga_exit_line;
-        const kit::STORE_DUMP followed = kit::dump_store();
-        const kit::STORE_DUMP fresh = kit::LIVE_STORE::fresh(service.socket());
-        EXPECT_EQ(kit::difference(fresh.text, followed.text), "") << seed << '\n' << since;
-        EXPECT_TRUE(followed.faults.empty()) << followed.faults.front() << seed << '\n' << since;
+        ASSERT_TRUE(store.settle() && store.settle())
+            << std::hex << gvga_exit_subcode << std::dec << ' ' << gvga_exit_file << ':'
+            << gvga_exit_line << ' ' << seed << '\n'
+            << since;
+        expect_equals_fresh(service.socket(), std::to_string(seed) + '\n' + since);
     }
 }
 
@@ -165,10 +193,7 @@ TEST(TwoOperators, BothStoresEqualTheNode) {
         sound = sound && store.settle();
         EXPECT_EQ(gvga_exit_code, 0)
             << gvga_exit_subcode << ' ' << gvga_exit_file << ':' << gvga_exit_line;
-        const kit::STORE_DUMP followed = kit::dump_store();
-        const kit::STORE_DUMP fresh = kit::LIVE_STORE::fresh(service.socket());
-        EXPECT_EQ(kit::difference(fresh.text, followed.text), "") << seed;
-        EXPECT_TRUE(followed.faults.empty()) << followed.faults.front();
+        expect_equals_fresh(service.socket(), std::to_string(seed));
         return sound && !testing::Test::HasFailure();
     };
     char byte = 0;

@@ -4,26 +4,24 @@
 
 #include <gtest/gtest.h> // before X11, whose macros it cannot bear
 
+#include "kit/pointer.h"
 #include "ui/framework/dialog.h"
 #include "ui/viewer/viewer_internal.h"
 
 #include <X11/Xlib.h>
 #include <X11/keysym.h>
-#include <functional>
 #include <memory>
 #include <string>
 #include <vector>
 
 // The types of the tests' own type table, by level. Rows of every type but the title can be
-// selected; NODE lists are single-selection.
+// selected.
 enum Test_type : NB_BYTE {
-    TEST_TOP = 0,                         // expandable, level 0, flat
-    TEST_MIDDLE = 1,                      // expandable, level 1
-    TEST_LEAF = 2,                        // level 2, no icon
-    TEST_TITLE = 3,                       // level 0: cannot be selected, underlined
-    TEST_ALONE = 4,                       // level 0: no multiple selection
-    TEST_NODE = VGA_VIEWER_NODE,          // level 0
-    TEST_NO_DRAG = VGA_VIEWER_LS_R_TITLE, // level 0: its own drag callback, which does nothing
+    TEST_TOP = 0,    // expandable, level 0, flat
+    TEST_MIDDLE = 1, // expandable, level 1
+    TEST_LEAF = 2,   // level 2, no icon
+    TEST_TITLE = 3,  // level 0: cannot be selected, underlined
+    TEST_ALONE = 4,  // level 0: no multiple selection
 };
 
 struct Row {
@@ -31,13 +29,8 @@ struct Row {
     std::string text;
 };
 
-// Connects, and makes graphics out of an icon file compiled for the tests; once per process.
+// Connects, and makes graphics out of the icons of the build; once per process.
 void start_graphics();
-// A directory of this process that ends with it.
-const std::string& scratch_directory();
-// Compiles a module of icons, for each name an image and its inverse, into the scratch directory.
-void make_icon_file(const std::string& module, const std::string& suffix,
-                    const std::vector<std::string>& names);
 
 struct Call { // of a type's callbacks
     std::string what;
@@ -72,13 +65,9 @@ protected:
     Row* operator[](int index) { return rows[index].get(); }
     void resize(int width, int height); // of the drawn button
     void pump();                        // handles what the server sent so far
-    bool pump_until(const std::function<bool()>& condition);
 
     // ---- real events; whoever expects something of them pumps ----
     void move_pointer(int x, int y);
-    void press(unsigned button, bool down);
-    // Modifiers are bits of an event's state: ShiftMask, ControlMask.
-    void hold(unsigned modifiers, bool down);
     void press_at(int x, int y, unsigned modifiers = 0); // and what that causes
     void click(int x, int y, unsigned modifiers = 0);
     void key(KeySym key, unsigned modifiers = 0); // and what that causes

@@ -11,11 +11,8 @@
 #include <Xm/ScrollBar.h>
 #include <Xm/ScrolledW.h>
 #include <array>
-#include <chrono>
 #include <cstdlib>
 #include <cstring>
-#include <filesystem>
-#include <fstream>
 
 namespace {
 
@@ -48,10 +45,6 @@ void disarm_cb(Widget, XtPointer, XtPointer) {
     report("disarm", nullptr);
 }
 
-void no_drag_cb(void* record, bool, bool) {
-    report("drag", record);
-}
-
 void underline_cb(void* record, Widget, int x, int y, GC) {
     vga_viewer_add_underline(&Viewer_test::current->root, &static_cast<Row*>(record)->item, x, y,
                              "----%t8%--- -");
@@ -77,61 +70,17 @@ constexpr Types test_types = [] {
     types[TEST_TITLE] = {create_text,  none, 1, none, none, none, none,
                          underline_cb, none, 0, 0,    1,    none};
     types[TEST_ALONE] = {COMMON, none, none, select_cb, 0, 0, 1, alone};
-    types[TEST_NODE] = {COMMON, none, none, select_cb, 0, 0, 1, none};
-    types[TEST_NO_DRAG] = {COMMON, no_drag_cb, none, select_cb, 0, 0, 1, none};
     return types;
 }();
 
 } // namespace
 Viewer_test* Viewer_test::current;
 
-const std::string& scratch_directory() {
-    struct Directory {
-        std::string path;
-        Directory() {
-            char name[] = "/tmp/viewer-test-XXXXXX";
-            path = mkdtemp(name);
-        }
-        ~Directory() { std::filesystem::remove_all(path); }
-    };
-    static const Directory directory;
-    return directory.path;
-}
-
-void make_icon_file(const std::string& module, const std::string& suffix,
-                    const std::vector<std::string>& names) {
-    const std::string base = scratch_directory() + "/" + module;
-    std::ofstream uil(base + ".uil");
-    uil << "module " << module << "\nvalue\n"
-        << "dark : color_table(background color = ' ', foreground color = '*');\n"
-        << "light : color_table(background color = '*', foreground color = ' ');\n";
-    std::vector<std::string> all = names;
-    all.insert(all.end(), std::begin(gvga_symbol_names), std::end(gvga_symbol_names));
-    for (const std::string& name : all) {
-        const bool box = name == "plus" || name == "minus";
-        const int size = (box ? 9 : 16) + (suffix.empty() ? 0 : 8);
-        for (const char* inverse : {"", "i"}) {
-            uil << name << suffix << "_icon" << inverse
-                << " : exported icon(color_table=" << (*inverse != '\0' ? "light" : "dark");
-            for (int y = 0; y < size; ++y) { // an image that differs in every direction
-                std::string line(size, ' ');
-                line[0] = line[y] = '*';
-                uil << ",\n '" << (y == 0 ? std::string(size, '*') : line) << "'";
-            }
-            uil << ");\n";
-        }
-    }
-    uil << "end module;\n";
-    uil.close();
-    ASSERT_EQ(0, std::system(("uil -o " + base + ".uid " + base + ".uil").c_str()));
-}
-
 void start_graphics() {
     if (gvga_display != nullptr) {
         return;
     }
-    make_icon_file("icons", "", {std::begin(gvga_pixmap_names), std::end(gvga_pixmap_names)});
-    setenv("UIDPATH", (scratch_directory() + "/%U").c_str(), 1);
+    setenv("UIDPATH", TESSALY_BUILD_DIR "/data/uid/%U", 1);
     setenv("XENVIRONMENT", "/dev/null", 1);
     MrmInitialize();
     int argc = 1;
@@ -177,7 +126,7 @@ void Viewer_test::SetUp() {
     owner.open = 1;
     root.owner = &owner;
     vga_viewer_display_root(&root, button, h_bar, v_bar);
-    ASSERT_TRUE(pump_until([&] { return root.exposed != 0; }));
+    ASSERT_TRUE(kit::pump_until([&] { return root.exposed != 0; }));
     // The first click passes through the window manager, which gives the window the focus.
     bool clicked = false;
     const XtCallbackProc note = [](Widget, XtPointer flag, XtPointer) {
@@ -185,7 +134,7 @@ void Viewer_test::SetUp() {
     };
     XtAddCallback(button, XmNdisarmCallback, note, &clicked);
     click(1, 1);
-    ASSERT_TRUE(pump_until([&] { return clicked; }));
+    ASSERT_TRUE(kit::pump_until([&] { return clicked; }));
     XtRemoveCallback(button, XmNdisarmCallback, note, &clicked);
     pump();
 }
@@ -241,21 +190,6 @@ void Viewer_test::pump() {
     }
 }
 
-bool Viewer_test::pump_until(const std::function<bool()>& condition) {
-    using Clock = std::chrono::steady_clock;
-    const auto deadline = Clock::now() + std::chrono::seconds(10);
-    // A timer wakes the loop, so that the deadline is seen without events.
-    while (!condition()) {
-        if (Clock::now() > deadline) {
-            return false;
-        }
-        XtAppAddTimeOut(
-            gvga_appcontext, 20, [](XtPointer, XtIntervalId*) {}, nullptr);
-        XtAppProcessEvent(gvga_appcontext, XtIMAll);
-    }
-    return true;
-}
-
 void Viewer_test::move_pointer(int x, int y) {
     int root_x = 0;
     int root_y = 0;
@@ -265,34 +199,17 @@ void Viewer_test::move_pointer(int x, int y) {
     XTestFakeMotionEvent(gvga_display, -1, root_x, root_y, CurrentTime);
 }
 
-void Viewer_test::press(unsigned number, bool down) {
-    XTestFakeButtonEvent(gvga_display, number, down, CurrentTime);
-}
-
-static void fake_key(KeySym key, bool down) {
-    XTestFakeKeyEvent(gvga_display, XKeysymToKeycode(gvga_display, key), down, CurrentTime);
-}
-
-void Viewer_test::hold(unsigned modifiers, bool down) {
-    if ((modifiers & ShiftMask) != 0) {
-        fake_key(XK_Shift_L, down);
-    }
-    if ((modifiers & ControlMask) != 0) {
-        fake_key(XK_Control_L, down);
-    }
-}
-
 void Viewer_test::press_at(int x, int y, unsigned modifiers) {
-    hold(modifiers, true);
+    kit::hold(modifiers, true);
     move_pointer(x, y);
-    press(1, true);
-    hold(modifiers, false);
+    kit::press_button(true);
+    kit::hold(modifiers, false);
     pump();
 }
 
 void Viewer_test::click(int x, int y, unsigned modifiers) {
     press_at(x, y, modifiers);
-    press(1, false);
+    kit::press_button(false);
     pump();
 }
 
@@ -304,10 +221,7 @@ void Viewer_test::key(KeySym key, unsigned modifiers) {
     if (XkbKeycodeToKeysym(gvga_display, code, 0, 0) != key) { // on the upper row of its key
         modifiers |= ShiftMask;
     }
-    hold(modifiers, true);
-    fake_key(key, true);
-    fake_key(key, false);
-    hold(modifiers, false);
+    kit::strike(key, modifiers);
     pump();
 }
 

@@ -387,7 +387,7 @@ public:
             check();
             check_pixels();
         }
-        press(1, false);
+        kit::press_button(false);
         pump();
         dragged = nullptr;
     }
@@ -443,6 +443,10 @@ public:
         Model_row* target = key_target(pressed, current, modifiers != 0);
         if (target && target != current) {
             select(target, toggle, extend, true, false);
+            const int height = gvga_metrics.item_height;
+            EXPECT_TRUE(
+                root.view_height < 2 * height ||
+                (row_y(&target->row) >= 0 && row_y(&target->row) + height <= root.view_height));
         }
     }
 
@@ -463,7 +467,7 @@ public:
                               static_cast<Position>(below(height)), &x, &y);
             XTestFakeMotionEvent(gvga_display, -1, x, y, CurrentTime);
             pump();
-            press(1, down);
+            kit::press_button(down);
             pump();
         }
         scrolled += before != std::pair(root.x_offset, root.y_offset);

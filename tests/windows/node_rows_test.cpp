@@ -1,5 +1,5 @@
 // Texts and icons of the node window's rows.
-#include "windows/store_fixture.h"
+#include "windows/fixture.h"
 
 #include "ui/windows/node_window_rows.h"
 
@@ -48,7 +48,7 @@ std::vector<int> columns(const std::string& text, int level) {
     return result;
 }
 
-class NodeRows : public StoreTest {};
+class NodeRows : public WindowStore {};
 
 TEST_F(NodeRows, PortsTellTheirState) {
     vga_port* port = add_port("ETH0");
@@ -99,7 +99,7 @@ TEST_F(NodeRows, LinkStationsTellWhatTheyWaitFor) {
         {active, 1, 0, incoming, NAP_DLC_QLLC, 2, 816},
         {active, 1, 0, 0x80, NAP_DLC_SDLC, 0, 815}, // other bits are not asked for
     };
-    vga_ls* ls = add_ls(add_port("LINE"), "HOST", AS_IS);
+    vga_ls* ls = (add_port("LINE"), add_ls("HOST", "LINE"));
     for (const auto& each : cases) {
         node->node_state = each.node;
         ls->parent->vcb->state = each.port;
@@ -120,17 +120,13 @@ TEST_F(NodeRows, LinkStationsTellWhatTheyWaitFor) {
     put(ls->vcb->det.adj_cp_name, "NET.PEER");
     EXPECT_EQ(trimmed(row(vga_create_ls_viewer_text, ls)), message(388, "s", "NET.PEER"));
     // A circuit byte beyond the specific data is not looked at.
-    vga_ls* bare = add_ls(ls->parent, "SHORT", [](LS_ENTRY& entry, NB_BYTE*) {
-        entry.length = sizeof entry;
-        entry.def.specific_length = 0;
-    });
+    vga_ls* bare = add_ls(store_test::ls("SHORT", "LINE"));
     ls->parent->vcb->state = NOF_STATE_ACTIVE;
-    EXPECT_EQ(row(vga_create_ls_viewer_text, bare),
-              message(815, "s s", "SHORT   ", "a link station"));
+    EXPECT_EQ(row(vga_create_ls_viewer_text, bare), message(815, "s s", "SHORT   ", ""));
 }
 
 TEST_F(NodeRows, ADlurPuThatStarts) {
-    vga_pu* pu = add_pu("PUDLUR");
+    vga_pu* pu = add_dlur_pu("PUDLUR");
     pu->vcb.dlur_status = NOF_DLUR_ACTIVE;
     EXPECT_EQ(row(vga_create_local_pu_viewer_text, pu), message(835, "s s", "PUDLUR  ", "a PU"));
     pu->start_pending = 1;
@@ -141,7 +137,7 @@ class DependentLu : public NodeRows {
 protected:
     void SetUp() override {
         NodeRows::SetUp();
-        lu = add_lu03(add_pu("PU1"), "LU1", 2);
+        lu = (add_dlur_pu("PU1"), add_lu03("LU1", "PU1"));
         lu->vcb.det_data.lu_active = 1;
     }
     // The text behind the state.
@@ -221,7 +217,7 @@ TEST_F(DependentLu, Tn3270Client) {
 }
 
 TEST_F(DependentLu, Lu62NamesItsPartner) {
-    vga_lu62* lu62 = add_lu62("LUDEP", "LUDEP", "PU1", 7);
+    vga_lu62* lu62 = add_lu62("LUDEP", "LUDEP", 7, "PU1");
     EXPECT_EQ(row(vga_create_deplu_viewer_text, lu62),
               message(824, "s s", "LUDEP   ", "an LU 6.2"));
     lu62->vcb.session_status = 1;
@@ -319,16 +315,13 @@ TEST_F(NodeRows, RemoteSystemsAndPartners) {
 // State, partner and description stand below each other whatever the row's level is.
 TEST_F(NodeRows, ColumnsAlignAcrossLevels) {
     vga_port* port = add_port("ETH0");
-    vga_ls* ls = add_ls(port, "HOST", [](LS_ENTRY& entry, NB_BYTE*) {
-        entry.def.adj_cp_type = NAP_HOST_XID3;
-        put(entry.def.pu_name, "HOST");
-    });
-    vga_pu* pu = add_pu("HOST", "HOST");
-    vga_lu03* lu = add_lu03(pu, "LU1", 2);
+    vga_ls* ls = add_ls(store_test::ls("HOST", "ETH0", "HOST"));
+    vga_lu03* lu = add_lu03("LU1", "HOST");
     const std::vector<int> state_and_use = {26, 40};
     EXPECT_EQ(columns(row(vga_create_port_viewer_text, port), 0), state_and_use);
     EXPECT_EQ(columns(row(vga_create_ls_viewer_text, ls), 1), state_and_use);
-    EXPECT_EQ(columns(row(vga_create_local_pu_viewer_text, add_pu("PUDLUR")), 1), state_and_use);
+    EXPECT_EQ(columns(row(vga_create_local_pu_viewer_text, add_dlur_pu("PUDLUR")), 1),
+              state_and_use);
     // The first half of an LU's row ends where the second half begins.
     const std::vector<int> lu_columns = columns(row(vga_create_deplu_viewer_text, lu), 2);
     ASSERT_GE(lu_columns.size(), 2u);
@@ -362,7 +355,7 @@ TEST_F(NodeRows, LinkIcons) {
         {NAP_END_NODE, 0, 0, 0, VGA_ICON_LSPEER},  {NAP_HOST_XID3, 0, 0, 0, VGA_ICON_LSHOST},
         {NAP_HOST_XID0, 0, 0, 0, VGA_ICON_LSHOST}, {NAP_END_NODE, 1, 0, 0, VGA_ICON_LSHOST},
         {NAP_DSPU_XID, 0, 1, 0, VGA_ICON_LSDOWN},  {NAP_HOST_XID3, 0, 0, 1, VGA_ICON_LSIMPL}};
-    vga_ls* ls = add_ls(add_port("P"), "L", AS_IS);
+    vga_ls* ls = (add_port("P"), add_ls("L", "P"));
     for (const auto& each : stations) {
         ls->vcb->def.adj_cp_type = each.adj_cp_type;
         ls->vcb->def.solicit_sscp_sessions = each.local_pu;
