@@ -40,14 +40,17 @@ Rc define_from_block(World& world, Node& node, const KindRow& row, std::span<con
     }
     const bool was_active = old != nullptr && lu_is_active(row.kind, *old);
     const bool was_independent = old != nullptr && old->parent.empty();
-    const Record& stored = store(node, row, record.entry);
+    const bool stays = old != nullptr && old->parent == record.parent;
+    Record& stored = store(node, row, record.entry);
     define_nested(node, row, block, stored);
     if (row.kind == Kind::ls) {
         update_pu_of_ls(node, stored);
     }
     const bool active = lu_is_active(row.kind, stored);
-    if (row.kind == Kind::downstream_lu && (active || was_active)) {
-        indicate_downstream_lu(world, node, stored);
+    if (row.kind == Kind::downstream_lu && (active || (was_active && stays))) {
+        set_downstream_lu(world, node, stored, active,
+                          stored.as<DOWN_LU_ENTRY>().plu_session_active != 0);
+        return {}; // which may have taken it away again
     }
     if (row.kind == Kind::lu_0_to_3 && active != was_active) {
         indicate_lu_0_to_3(world, node, stored);

@@ -1,6 +1,7 @@
 // Checks that go PU by PU: LUs of types 0 to 3 and downstream LUs.
 #include "store/checks.h"
 #include "store/record_util.h"
+#include "store/remove.h"
 #include "store/store.h"
 #include "store/tracking.h"
 
@@ -46,6 +47,12 @@ void list_down_lus(vga_node* node, vga_pu* pu, const DOWN_LU_ENTRY* last) {
     if (pu == nullptr) {
         return vga_check_ends(node, VGA_CHECK_DOWN_LU);
     }
+    if (last == nullptr && pu->vcb.host_attachment == VGA_FROM_TEMPLATE) {
+        for (auto* lu = ntl_avl_first<vga_down_lu>(pu->lu_tree); lu != nullptr;
+             lu = vga_next<vga_down_lu>(lu->node)) {
+            lu->unlisted = 1;
+        }
+    }
     vga_check_sent(vga_issue_query(VGA_QUERY_DOWN_LU, pu, last, 0, 0, vga_check_down_lu), node,
                    VGA_CHECK_DOWN_LU);
 }
@@ -59,9 +66,22 @@ void take_status(vga_down_lu* lu, const DOWN_LU_ENTRY* entry) {
     }
 }
 
+// The LUs of a PU made from a template come and go unasked: those that its list does not have any
+// more have gone.
+void remove_unlisted(vga_pu* pu) {
+    for (auto* lu = ntl_avl_first<vga_down_lu>(pu->lu_tree); lu != nullptr;) {
+        auto* next = vga_next<vga_down_lu>(lu->node);
+        if (lu->unlisted != 0) {
+            vga_delete_vga_down_lu(lu, true);
+        }
+        lu = next;
+    }
+}
+
 // The LU of an entry, refreshed or made; null when it was skipped.
 vga_down_lu* refresh_down_lu(vga_pu* pu, const DOWN_LU_ENTRY* entry) {
     if (auto* known = vga_find<vga_down_lu>(pu->lu_tree, entry->dslu_name); known != nullptr) {
+        known->unlisted = 0;
         take_status(known, entry);
         return known;
     }
@@ -142,5 +162,8 @@ void vga_check_down_lu(VGA_COMPLETION* completion) {
         }
     }
     const bool more = last != nullptr && entries.more();
+    if (!more && vcb_header(completion->vcb)->primary_rc == NAP_OK) {
+        remove_unlisted(pu);
+    }
     list_down_lus(pu->parent, more ? pu : vga_next<vga_pu>(pu->node), more ? &last->vcb : nullptr);
 }

@@ -127,7 +127,10 @@ bool vga_entry_lu03(vga_page_context& context, const void* entry) {
 }
 bool vga_entry_down_lu(vga_page_context& context, const void* entry) {
     return add(context, vga_init_vga_down_lu, vga_insert_vga_down_lu,
-               static_cast<vga_pu*>(context.owner), entry);
+               static_cast<vga_pu*>(context.owner), entry,
+               [](vga_down_lu* lu, const DOWN_LU_ENTRY& listed) { // may be one only announced yet
+                   vga_redefine_down_lu(lu, &listed.def);
+               });
 }
 
 bool vga_entry_extra_data(vga_page_context& context, const void* entry) {

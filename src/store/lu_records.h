@@ -55,6 +55,7 @@ struct vga_down_lu {
     vga_record_gui gui_data;
     vga_viewer viewer;
     NB_USHORT update_mark;
+    NB_BYTE unlisted; // a check is on that has not met it yet
 };
 
 enum VGA_STARTUP_STATUS : NB_BYTE { // what of a local LU 6.2 is still to be listed

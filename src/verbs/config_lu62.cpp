@@ -12,7 +12,14 @@ void vga_process_def_lu62(VGA_COMPLETION* completion, vga_node* node, vga_lu62**
     const auto& block = VGA_CONFIG_BLOCK(DEFINE_LOCAL_LU, completion, NAP_DEFINE_LOCAL_LU);
     vga_give<vga_lu62>(record, nullptr);
     auto entry = vga_new_entry<LU62_ENTRY>();
-    const auto* known = vga_status_find<vga_lu62>(node->lu62_tree, block.lu_name);
+    auto* known = vga_status_find<vga_lu62>(node->lu62_tree, block.lu_name);
+    if (block.def.nau_address != 0 && vga_being_built(node, VGA_NODE_LOCAL_PUS) &&
+        ntl_avl_find(&node->local_pu_tree, block.def.pu_name) == nullptr) {
+        if (known != nullptr) { // it comes with the list of the LUs, unless it goes with its PU
+            vga_delete_vga_lu62(known, true);
+        }
+        return;
+    }
     const bool was_dependent = known != nullptr && known->vcb.def.nau_address != 0;
     if (known != nullptr) {
         entry.session_status = known->vcb.session_status; // the definition leaves it as it is

@@ -213,9 +213,12 @@ void vga_process_down_lu_ind(vga_node* node, const void* block) {
     }
     const bool from_template = pu->vcb.host_attachment == FROM_TEMPLATE;
     auto* lu = vga_status_find<vga_down_lu>(pu->lu_tree, ind.dslu_name);
+    const bool up = ind.lu_active != 0 || ind.plu_session_active != 0;
     if (lu == nullptr) {
         if (from_template) {
-            make_down_lu(pu, ind);
+            if (up) { // else it has gone before it was listed
+                make_down_lu(pu, ind);
+            }
         } else if (pu->pending == 0) {
             vga_log_unknown_ebcdic(9, ind.header.opcode, ind.dslu_name);
         }
@@ -225,9 +228,10 @@ void vga_process_down_lu_ind(vga_node* node, const void* block) {
         return std::tuple(from.lu_active, from.plu_session_active);
     };
     const bool changed = state(lu->vcb) != state(ind);
+    lu->unlisted = 0; // the check's list may have passed its place
     lu->vcb.lu_active = ind.lu_active;
     lu->vcb.plu_session_active = ind.plu_session_active;
-    if (ind.lu_active == 0 && ind.plu_session_active == 0 && from_template) {
+    if (!up && from_template) {
         vga_delete_vga_down_lu(lu, true);
     } else if (changed) {
         vga_status_redraw(gvga_status_hooks.update_down_lu, lu);
