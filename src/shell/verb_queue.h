@@ -28,6 +28,18 @@ extern NBA_QUEUE
     gvga_immediate_nof_queue; // completed during submission, for the main loop to process
 extern NB_ULONG gvga_querybuf_size;
 
+// The first entry of the two queues that a test holds for, or null.
+template <typename Test> VGA_QUEUE_ENTRY* vga_find_verb(Test test) {
+    for (const NBA_QUEUE* queue : {&gvga_nof_queue, &gvga_immediate_nof_queue}) {
+        for (const NBA_QUEUE* link = queue->next; link != queue; link = link->next) {
+            if (auto* entry = static_cast<VGA_QUEUE_ENTRY*>(link->owner); test(*entry)) {
+                return entry;
+            }
+        }
+    }
+    return nullptr;
+}
+
 void vga_init_verb_queues();
 
 // Sends a verb, or lets it wait behind a purged verb of its target. True: the queue owns the block.

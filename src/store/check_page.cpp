@@ -30,16 +30,10 @@ void vga_check_sent(bool sent, vga_node* node, VGA_CHECK_KIND kind) {
 
 VGA_QUEUE_ENTRY* vga_check_queued(const vga_node* node, NB_USHORT opcode, NB_ULONG corr,
                                   VGA_CALLBACK callback) {
-    for (const NBA_QUEUE* queue : {&gvga_nof_queue, &gvga_immediate_nof_queue}) {
-        for (auto* entry = static_cast<VGA_QUEUE_ENTRY*>(nba_get_q_head(queue)); entry != nullptr;
-             entry = static_cast<VGA_QUEUE_ENTRY*>(entry->link.next->owner)) {
-            if (entry->target == node->node_handle && entry->callback == callback &&
-                vcb_header(entry->vcb)->opcode == opcode && (corr == 0 || entry->corr == corr)) {
-                return entry;
-            }
-        }
-    }
-    return nullptr;
+    return vga_find_verb([&](const VGA_QUEUE_ENTRY& entry) {
+        return entry.target == node->node_handle && entry.callback == callback &&
+               vcb_header(entry.vcb)->opcode == opcode && (corr == 0 || entry.corr == corr);
+    });
 }
 
 void vga_check_drop(const vga_node* node, NB_USHORT opcode, NB_ULONG corr, VGA_CALLBACK callback) {

@@ -44,17 +44,11 @@ void send(NB_USHORT opcode, NB_HANDLE target, VGA_CALLBACK callback = vga_build_
 
 // Whether the answer to a verb of this build is still to come. role: of the file that it opens.
 bool is_awaited(NB_USHORT opcode, NB_BYTE role = 0) {
-    for (const NBA_QUEUE* queue : {&gvga_nof_queue, &gvga_immediate_nof_queue}) {
-        for (auto* entry = static_cast<VGA_QUEUE_ENTRY*>(nba_get_q_head(queue)); entry != nullptr;
-             entry = static_cast<VGA_QUEUE_ENTRY*>(entry->link.next->owner)) {
-            if (entry->callback == vga_build_system && vcb_header(entry->vcb)->opcode == opcode &&
-                (role == 0 ||
-                 static_cast<OPEN_FILE*>(entry->vcb)->file_info.requested_role == role)) {
-                return true;
-            }
-        }
-    }
-    return false;
+    const auto awaited = [=](const VGA_QUEUE_ENTRY& entry) {
+        return entry.callback == vga_build_system && vcb_header(entry.vcb)->opcode == opcode &&
+               (role == 0 || static_cast<OPEN_FILE*>(entry.vcb)->file_info.requested_role == role);
+    };
+    return vga_find_verb(awaited) != nullptr;
 }
 
 // Once in a run, whether or not the configuration file goes or comes in the middle.

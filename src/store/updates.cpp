@@ -362,15 +362,13 @@ void vga_leave_update(vga_dialog* dialog, const vga_node* node) {
     if (node == nullptr) {
         return;
     }
-    for (const NBA_QUEUE* queue : {&gvga_nof_queue, &gvga_immediate_nof_queue}) {
-        for (auto* entry = static_cast<VGA_QUEUE_ENTRY*>(nba_get_q_head(queue)); entry != nullptr;
-             entry = static_cast<VGA_QUEUE_ENTRY*>(entry->link.next->owner)) {
-            if (entry->corr == dialog->handle && entry->target == update_target() &&
-                entry->callback != nullptr) {
-                entry->corr = node->handle;
-                entry->callback = take_late;
-            }
-        }
+    const auto of_this_run = [dialog](const VGA_QUEUE_ENTRY& entry) {
+        return entry.corr == dialog->handle && entry.target == update_target() &&
+               entry.callback != nullptr;
+    };
+    while (VGA_QUEUE_ENTRY* entry = vga_find_verb(of_this_run)) {
+        entry->corr = node->handle;
+        entry->callback = take_late;
     }
     vga_end_update(dialog, true, 0);
 }
