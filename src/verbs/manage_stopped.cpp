@@ -9,8 +9,6 @@
 
 namespace {
 
-constexpr NB_BYTE FROM_TEMPLATE = 2; // attachment of a downstream PU
-
 // Calls use(record) for every record of a tree; use may remove the record.
 template <typename Record, typename Use>
 void for_each(const NTL_AVL_TREE& tree, NTL_AVL_NODE Record::*member, Use use) {
@@ -86,7 +84,7 @@ void clear(vga_down_lu* lu) {
 void clear_downstream(vga_pu* pu) {
     pu->vcb.state = 0;
     pu->start_pending = 0;
-    const bool from_template = pu->vcb.host_attachment == FROM_TEMPLATE;
+    const bool from_template = pu->vcb.host_attachment == VGA_FROM_TEMPLATE;
     for_each(pu->lu_tree, &vga_down_lu::node, [from_template](vga_down_lu* lu) {
         from_template ? vga_delete_vga_down_lu(lu, true) : clear(lu);
     });

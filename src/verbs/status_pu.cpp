@@ -3,6 +3,7 @@
 #include "nof/pu_lu.h"
 #include "shell/globals.h"
 #include "store/build.h"
+#include "store/checks.h"
 #include "store/remove.h"
 #include "store/store.h"
 #include "store/tracking.h"
@@ -14,8 +15,7 @@
 
 namespace {
 
-constexpr NB_BYTE FROM_TEMPLATE = 2; // type of a downstream PU
-constexpr NB_BYTE EBCDIC_AT = 0x7C;  // first character of names that the node made up
+constexpr NB_BYTE EBCDIC_AT = 0x7C; // first character of names that the node made up
 
 vga_pu* find_local_pu(const vga_node* node, const NB_BYTE* name) {
     return vga_status_find<vga_pu>(node->local_pu_tree, name);
@@ -56,7 +56,7 @@ void make_down_lu(vga_pu* pu, const DOWNSTREAM_LU_INDICATION& ind) {
     std::memcpy(entry.dslu_name, ind.dslu_name, sizeof entry.dslu_name);
     entry.lu_active = ind.lu_active;
     entry.plu_session_active = ind.plu_session_active;
-    entry.type = FROM_TEMPLATE;
+    entry.type = VGA_FROM_TEMPLATE;
     entry.def.nau_address = ind.nau_address;
     std::memcpy(entry.def.dspu_name, pu->vcb.pu_name, sizeof entry.def.dspu_name);
     if (vga_down_lu* lu = vga_init_vga_down_lu(pu, &entry); lu != nullptr) {
@@ -211,15 +211,13 @@ void vga_process_down_lu_ind(vga_node* node, const void* block) {
         }
         return;
     }
-    const bool from_template = pu->vcb.host_attachment == FROM_TEMPLATE;
+    const bool from_template = pu->vcb.host_attachment == VGA_FROM_TEMPLATE;
     auto* lu = vga_status_find<vga_down_lu>(pu->lu_tree, ind.dslu_name);
     const bool up = ind.lu_active != 0 || ind.plu_session_active != 0;
     if (lu == nullptr) {
-        if (from_template) {
-            if (up) { // else it has gone before it was listed
-                make_down_lu(pu, ind);
-            }
-        } else if (pu->pending == 0) {
+        if (from_template && up) { // one that is down has gone before it was listed
+            make_down_lu(pu, ind);
+        } else if (!from_template && pu->pending == 0) {
             vga_log_unknown_ebcdic(9, ind.header.opcode, ind.dslu_name);
         }
         return;
